@@ -1,0 +1,59 @@
+# Oxlin: set-up, build, test and demo in one place. Every target installs what is missing.
+
+BUILD_DIR ?= build
+ASAN_DIR ?= build-asan
+JOBS ?= $(shell nproc)
+CMAKE_FLAGS ?=
+CTEST_FLAGS ?= --output-on-failure --timeout 600
+DEMO_DIR ?= $(BUILD_DIR)/demo
+
+export QT_QPA_PLATFORM ?= offscreen
+export CCACHE_DIR ?= $(HOME)/.ccache
+export CCACHE_MAXSIZE ?= 5G
+
+.PHONY: deps configure build test test-release test-asan demo format format-check clean
+
+deps:
+	@bash scripts/install-deps.sh
+
+$(BUILD_DIR)/build.ninja:
+	cmake -S . -B $(BUILD_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOX_WERROR=ON $(CMAKE_FLAGS)
+
+$(ASAN_DIR)/build.ninja:
+	cmake -S . -B $(ASAN_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOX_WERROR=ON -DOX_SANITIZE=ON \
+	    -DOX_BUILD_BENCH=OFF $(CMAKE_FLAGS)
+
+configure: deps $(BUILD_DIR)/build.ninja
+
+build: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+# The whole suite: the normal build, then the same tests under AddressSanitizer and
+# UndefinedBehaviorSanitizer.
+test: test-release test-asan
+
+test-release: build
+	cd $(BUILD_DIR) && ctest $(CTEST_FLAGS) -j $(JOBS)
+
+test-asan: deps $(ASAN_DIR)/build.ninja
+	cmake --build $(ASAN_DIR) -j $(JOBS)
+	cd $(ASAN_DIR) && ASAN_OPTIONS=detect_leaks=1:fast_unwind_on_malloc=0 \
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 \
+	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	    ctest $(CTEST_FLAGS) -j $(JOBS)
+
+# The main job on the built-in example: starts the host headless with its plug-ins.
+demo: build
+	@mkdir -p $(DEMO_DIR)
+	$(BUILD_DIR)/bin/oxlin --version
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs --list-plugins
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs --log-level debug
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+format-check:
+	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+
+clean:
+	rm -rf $(BUILD_DIR) $(ASAN_DIR)

@@ -1,0 +1,20 @@
+# Third-party libraries, all from Debian 12 packages (scripts/install-deps.sh).
+
+# The python3 first on PATH may be a private interpreter; headers, library and Boost.Python
+# must all be Debian's Python 3.11.
+set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "Python interpreter matching Boost.Python")
+find_package(Python3 3.11 EXACT REQUIRED COMPONENTS Interpreter Development)
+find_package(Boost 1.74 REQUIRED COMPONENTS python311)
+find_package(Qt5 5.15 REQUIRED COMPONENTS Core Gui Widgets Test)
+find_package(pugixml REQUIRED)
+find_package(TinyGLTF REQUIRED)
+find_package(nlohmann_json 3 REQUIRED)
+find_package(Threads REQUIRED)
+find_package(TBB REQUIRED)
+
+if(OX_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+endif()
+if(OX_BUILD_BENCH)
+    find_package(benchmark REQUIRED)
+endif()

@@ -1,0 +1,18 @@
+# Warning flags for our own targets; third-party headers are included as system headers.
+add_library(ox_warnings INTERFACE)
+target_compile_options(ox_warnings INTERFACE -Wall -Wextra)
+if(OX_WERROR)
+    target_compile_options(ox_warnings INTERFACE -Werror)
+endif()
+
+add_library(ox_sanitize INTERFACE)
+if(OX_SANITIZE)
+    target_compile_options(ox_sanitize INTERFACE
+        -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_link_options(ox_sanitize INTERFACE -fsanitize=address,undefined)
+endif()
+
+# Applies our warning and sanitizer settings to a target of this project.
+function(ox_target_defaults target)
+    target_link_libraries(${target} PRIVATE ox_warnings ox_sanitize)
+endfunction()

@@ -1,0 +1,193 @@
+// oxlin: the host program. Loads the plug-ins, opens the scene and runs the GUI, or runs
+// headless with --no-gui.
+
+#include "oxCallTrace.h"
+#include "oxController.h"
+#include "oxFileIO.h"
+#include "oxLog.h"
+#include "oxMainWindow.h"
+#include "oxMessage.h"
+#include "oxPlatform.h"
+#include "oxPluginLoader.h"
+#include "oxPreferences.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace {
+
+const char kUsage[] =
+    "Usage: oxlin [options]\n"
+    "\n"
+    "Options:\n"
+    "  --no-gui              run headless (no window; offscreen Qt platform)\n"
+    "  --version             print the version and exit\n"
+    "  --list-plugins        load the plug-ins, print their modules and versions, and exit\n"
+    "  --plugin-dir DIR      load plug-ins from DIR instead of the installation's folder\n"
+    "  --prefs-dir DIR       keep preferences in DIR instead of $XDG_CONFIG_HOME/oxlin\n"
+    "  --log-file FILE       also write the log to FILE\n"
+    "  --log-level LEVEL     error, warning, info (default) or debug\n"
+    "  --trace-host-calls    log every call the host's services receive\n"
+    "  --help                print this text and exit\n";
+
+struct Options {
+    bool noGUI = false;
+    bool version = false;
+    bool listPlugins = false;
+    bool help = false;
+    bool traceCalls = false;
+    std::string pluginDir;
+    std::string prefsDir;
+    std::string logFile;
+    std::string logLevel;
+};
+
+// Parses argv; false with a message on standard error for anything it doesn't know.
+bool parseOptions(int argc, char** argv, Options& options)
+{
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        auto value = [&](std::string& target) {
+            if (i + 1 >= argc) {
+                std::fprintf(stderr, "oxlin: option %s needs a value\n", arg.c_str());
+                return false;
+            }
+            target = argv[++i];
+            return true;
+        };
+        if (arg == "--no-gui")
+            options.noGUI = true;
+        else if (arg == "--version")
+            options.version = true;
+        else if (arg == "--list-plugins")
+            options.listPlugins = true;
+        else if (arg == "--help" || arg == "-h")
+            options.help = true;
+        else if (arg == "--trace-host-calls")
+            options.traceCalls = true;
+        else if (arg == "--plugin-dir") {
+            if (!value(options.pluginDir))
+                return false;
+        } else if (arg == "--prefs-dir") {
+            if (!value(options.prefsDir))
+                return false;
+        } else if (arg == "--log-file") {
+            if (!value(options.logFile))
+                return false;
+        } else if (arg == "--log-level") {
+            if (!value(options.logLevel))
+                return false;
+        } else {
+            std::fprintf(stderr, "oxlin: unknown argument '%s' (see oxlin --help)\n", arg.c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+bool applyLogLevel(const std::string& name)
+{
+    if (name.empty())
+        return true;
+    for (oxLog::Level level : {oxLog::Error, oxLog::Warning, oxLog::Info, oxLog::Debug}) {
+        if (name == oxLog::levelName(level)) {
+            oxLog::setLevel(level);
+            return true;
+        }
+    }
+    std::fprintf(stderr, "oxlin: unknown log level '%s' (error, warning, info or debug)\n",
+                 name.c_str());
+    return false;
+}
+
+void listPlugins()
+{
+    for (const oxPluginLoader::Plugin& plugin : oxPluginLoader::plugins()) {
+        const std::string file = plugin.path.substr(plugin.path.rfind('/') + 1);
+        if (plugin.modules.empty())
+            std::printf("%s %s\n", file.c_str(), plugin.version.c_str());
+        for (const std::string& module : plugin.modules)
+            std::printf("%s %s (%s)\n", module.c_str(), plugin.version.c_str(), file.c_str());
+    }
+    std::fflush(stdout);
+}
+
+// A new, empty scene: the project record is cleared and every module is told.
+void newScene()
+{
+    oxFileIO::clearProject();
+    oxMessage message(oxController::MessageNewScene);
+    oxController::broadcastMessage(message);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    Options options;
+    if (!parseOptions(argc, argv, options) || !applyLogLevel(options.logLevel)) {
+        std::fputs(kUsage, stderr);
+        return 2;
+    }
+    if (options.help) {
+        std::fputs(kUsage, stdout);
+        return 0;
+    }
+    if (options.version) {
+        std::printf("oxlin %s\n", OX_VERSION);
+        return 0;
+    }
+
+    if (options.noGUI || options.listPlugins) {
+        // Headless runs build the same widgets, on a platform that draws into memory.
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        oxController::setNoGUI(true);
+        oxPlatform::ensureRuntimeDir();
+    }
+    if (!options.logFile.empty() && !oxLog::setLogFile(options.logFile)) {
+        std::fprintf(stderr, "oxlin: can't open the log file '%s'\n", options.logFile.c_str());
+        return 2;
+    }
+    if (options.traceCalls) {
+        oxCallTrace::setEnabled(true);
+        oxCallTrace::setEcho(true);
+    }
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("oxlin"));
+    QApplication::setApplicationVersion(oxPlatform::getVersion());
+
+    if (!options.prefsDir.empty())
+        oxPreferences::setPreferencesDir(options.prefsDir);
+    oxPreferences::load();
+
+    auto mainWindow = std::make_unique<oxMainWindow>();
+
+    const std::string pluginDir =
+        options.pluginDir.empty() ? oxPluginLoader::defaultPluginDir() : options.pluginDir;
+    oxPluginLoader::loadAll(pluginDir);
+
+    int result = 0;
+    if (options.listPlugins) {
+        listPlugins();
+    } else {
+        newScene();
+        if (!options.noGUI) {
+            mainWindow->show();
+            result = application.exec();
+        } else {
+            QApplication::processEvents();
+        }
+    }
+
+    // Plug-ins go first: their objects may refer to the main window and need the application.
+    oxPluginLoader::unloadAll();
+    mainWindow.reset();
+    oxLog::setLogFile(std::string());
+    return result;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "oxModuleBase.h"
+
+class QAction;
+class oxImageWriter;
+
+/// The plug-in's one module: owns the image writer and answers the host's messages.
+class oxMovieExport : public oxModuleBase {
+    Q_OBJECT
+public:
+    oxMovieExport();
+    ~oxMovieExport() override;
+
+    /// The module has nothing to do when brought to the front.
+    void activateModule() override;
+    /// Handles 16 (new scene), 8192 (project read or written) and 32768 (refresh); returns 0.
+    int receivedMessage(oxMessage& message) override;
+
+    oxImageWriter* getImageWriter() const { return imageWriter; }
+
+public slots:
+    /// Kept for the host's interface; it has no effect.
+    void exportImageDialog(int result);
+
+private:
+    void handleMessage(oxMessage& message);
+
+    // Created first and never freed: the host keeps using the writer after unload.
+    oxImageWriter* imageWriter = nullptr;
+    QAction* exportSnapshotAction = nullptr;
+    int pendingFastWidth = 0;
+    int pendingFastHeight = 0;
+    int pendingFastSupersampling = 0;
+};
+
+/// The module instance while the plug-in is loaded.
+extern oxMovieExport* theMovieExport;

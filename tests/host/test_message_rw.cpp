@@ -1,0 +1,692 @@
+#include "oxLog.h"
+#include "oxMessage.h"
+#include "oxMessageRW.h"
+#include "oxRenderAutomationVariantSetGroup.h"
+#include "oxTestSupport.h"
+
+#include <QString>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <random>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Group = oxRenderAutomationVariantSetGroup;
+using StringPairs = std::vector<std::pair<std::string, std::string>>;
+namespace fs = std::filesystem;
+
+// Keeps the log off stderr while a test feeds bad input on purpose, and collects its errors.
+class QuietLog {
+public:
+    QuietLog() { oxLog::setStderrEnabled(false); }
+    ~QuietLog() { oxLog::setStderrEnabled(true); }
+    QuietLog(const QuietLog&) = delete;
+    QuietLog& operator=(const QuietLog&) = delete;
+
+    std::vector<std::string> errors() const { return m_capture.messages(oxLog::Error); }
+    bool mentions(const std::string& part) const
+    {
+        for (const std::string& error : errors())
+            if (error.find(part) != std::string::npos)
+                return true;
+        return false;
+    }
+
+private:
+    oxLogCapture m_capture;
+};
+
+uint32_t bitsOf(float value)
+{
+    uint32_t bits;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
+float floatOf(uint32_t bits)
+{
+    float value;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
+std::string textOf(const oxMessage& message)
+{
+    std::string text;
+    EXPECT_TRUE(oxMessageRW::write(message, text));
+    return text;
+}
+
+oxMessage roundTrip(const oxMessage& message)
+{
+    std::string text;
+    EXPECT_TRUE(oxMessageRW::write(message, text));
+    oxMessage result;
+    EXPECT_TRUE(oxMessageRW::read(result, nullptr, text)) << text;
+    return result;
+}
+
+// The value of name, checked to have exactly type T.
+template <typename T>
+T valueOf(const oxMessage& message, const std::string& name)
+{
+    const boost::any& value = message.get(name);
+    EXPECT_TRUE(oxMessage::sameType(value.type(), typeid(T)))
+        << name << " is " << value.type().name() << ", expected " << typeid(T).name();
+    const T* typed = boost::any_cast<T>(&value);
+    return typed ? *typed : T();
+}
+
+Group makeGroup(const std::string& name, const std::vector<std::string>& sets)
+{
+    Group group(name);
+    group.setActiveVariantSetNames(sets);
+    return group;
+}
+
+// Strings that trip up text formats: XML markup, every control character, white space that a
+// parser might fold, carriage returns it would turn into line feeds, and broken UTF-8.
+std::vector<std::string> awkwardStrings()
+{
+    std::vector<std::string> strings = {
+        "",
+        " ",
+        "\t",
+        "\n",
+        "  \n\t  ",
+        " leading",
+        "trailing ",
+        "line\r\nend",
+        "\r",
+        std::string("nul\0inside", 10),
+        "<tag attr=\"v\">&amp;</tag>",
+        "]]>",
+        "'single' \"double\"",
+        "caf\xc3\xa9 \xe6\x97\xa5\xe6\x9c\xac \xf0\x9d\x84\x9e", // 2-, 3- and 4-byte UTF-8
+        "\xef\xbf\xbe",                                          // U+FFFE
+        "\x80 lone continuation",
+        "\xc0\x80 overlong",
+        "\xed\xa0\x80 surrogate",
+        "cut \xf0\x9f",
+        "\xff\xfe",
+    };
+    for (int c = 0; c < 256; ++c)
+        if (std::find(strings.begin(), strings.end(), std::string(1, char(c))) == strings.end())
+            strings.push_back(std::string(1, char(c)));
+    return strings;
+}
+
+} // namespace
+
+TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
+{
+    oxMessage message(5);
+    message.set("true", true);
+    message.set("false", false);
+    message.set("intMin", INT_MIN);
+    message.set("intMax", INT_MAX);
+    message.set("intZero", 0);
+    message.set("uintMax", UINT_MAX);
+    message.set("uintZero", 0u);
+    message.set("float", 0.1f);
+    message.set("floatMax", std::numeric_limits<float>::max());
+    message.set("denormal", std::numeric_limits<float>::denorm_min());
+    message.set("negZero", -0.0f);
+    message.set("nan", std::numeric_limits<float>::quiet_NaN());
+    message.set("inf", std::numeric_limits<float>::infinity());
+    message.set("negInf", -std::numeric_limits<float>::infinity());
+    message.set("string", std::string("text"));
+    message.set("cstring", static_cast<const char*>("from a literal"));
+    message.set("qstring", QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                                             "e"));
+
+    const oxMessage result = roundTrip(message);
+    EXPECT_EQ(result.getMap().size(), message.getMap().size());
+    EXPECT_EQ(valueOf<bool>(result, "true"), true);
+    EXPECT_EQ(valueOf<bool>(result, "false"), false);
+    EXPECT_EQ(valueOf<int>(result, "intMin"), INT_MIN);
+    EXPECT_EQ(valueOf<int>(result, "intMax"), INT_MAX);
+    EXPECT_EQ(valueOf<int>(result, "intZero"), 0);
+    EXPECT_EQ(valueOf<unsigned int>(result, "uintMax"), UINT_MAX);
+    EXPECT_EQ(valueOf<unsigned int>(result, "uintZero"), 0u);
+    for (const char* name : {"float", "floatMax", "denormal", "negZero", "nan", "inf", "negInf"})
+        EXPECT_EQ(bitsOf(valueOf<float>(result, name)), bitsOf(valueOf<float>(message, name)))
+            << name;
+    EXPECT_EQ(valueOf<std::string>(result, "string"), "text");
+    // A stored C string comes back as a std::string.
+    EXPECT_EQ(valueOf<std::string>(result, "cstring"), "from a literal");
+    EXPECT_EQ(valueOf<QString>(result, "qstring"), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                                                                     "e"));
+}
+
+TEST(oxMessageRW, FloatsAreBitExact)
+{
+    std::vector<float> values = {
+        0.0f,
+        -0.0f,
+        1.0f / 3.0f,
+        std::numeric_limits<float>::min(),
+        std::numeric_limits<float>::max(),
+        std::numeric_limits<float>::lowest(),
+        std::numeric_limits<float>::epsilon(),
+        std::numeric_limits<float>::denorm_min(),
+        -std::numeric_limits<float>::denorm_min(),
+        floatOf(0x007FFFFFu), // largest denormal
+        std::numeric_limits<float>::infinity(),
+        -std::numeric_limits<float>::infinity(),
+        floatOf(0x7FC00000u), // the usual quiet NaN
+        floatOf(0xFFC00000u), // the same, negative
+        floatOf(0x7F800001u), // signalling NaN
+        floatOf(0xFFFFFFFFu), // NaN with every payload bit set
+        16777217.0f,
+    };
+    // Random bit patterns reach every exponent, denormals and NaN payloads alike.
+    std::mt19937 random(12345);
+    for (int i = 0; i < 20000; ++i)
+        values.push_back(floatOf(random()));
+
+    oxMessage message;
+    message.set("column", values);
+    message.set("signalling", floatOf(0x7F800001u));
+    const oxMessage result = roundTrip(message);
+
+    const std::vector<float> back = valueOf<std::vector<float>>(result, "column");
+    ASSERT_EQ(back.size(), values.size());
+    size_t mismatches = 0;
+    for (size_t i = 0; i < values.size(); ++i)
+        if (bitsOf(back[i]) != bitsOf(values[i]) && mismatches++ < 10)
+            ADD_FAILURE() << "index " << i << ": " << std::hex << bitsOf(values[i])
+                          << " came back as " << bitsOf(back[i]);
+    EXPECT_EQ(mismatches, 0u);
+    EXPECT_EQ(bitsOf(valueOf<float>(result, "signalling")), 0x7F800001u);
+}
+
+TEST(oxMessageRW, NumericVectorsKeepRangeAndLength)
+{
+    std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
+    std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
+    std::vector<bool> bools;
+    for (int i = 0; i < 1001; ++i) {
+        ints.push_back(i * 7919 - 3000000);
+        uints.push_back(unsigned(i) * 2654435761u);
+        bools.push_back(i % 3 == 0);
+    }
+    oxMessage message;
+    message.set("ints", ints);
+    message.set("uints", uints);
+    message.set("bools", bools);
+    message.set("oneBool", std::vector<bool>{false});
+
+    const oxMessage result = roundTrip(message);
+    EXPECT_EQ(valueOf<std::vector<int>>(result, "ints"), ints);
+    EXPECT_EQ(valueOf<std::vector<unsigned int>>(result, "uints"), uints);
+    EXPECT_EQ(valueOf<std::vector<bool>>(result, "bools"), bools);
+    EXPECT_EQ(valueOf<std::vector<bool>>(result, "oneBool"), std::vector<bool>{false});
+}
+
+TEST(oxMessageRW, AwkwardStringsComeBackByteExact)
+{
+    const std::vector<std::string> strings = awkwardStrings();
+    oxMessage message;
+    StringPairs pairs;
+    std::vector<Group> groups;
+    for (size_t i = 0; i < strings.size(); ++i) {
+        const std::string& s = strings[i];
+        message.set("value " + std::to_string(i), s);
+        // The same strings as value names and inside every container that holds strings.
+        message.set("name:" + s, int(i));
+        pairs.emplace_back(s, strings[strings.size() - 1 - i]);
+        groups.push_back(makeGroup(s, {s, "plain", s}));
+    }
+    message.set("list", strings);
+    message.set("pairs", pairs);
+    message.set("groups", groups);
+
+    const oxMessage result = roundTrip(message);
+    ASSERT_EQ(result.getMap().size(), message.getMap().size());
+    for (size_t i = 0; i < strings.size(); ++i) {
+        EXPECT_EQ(valueOf<std::string>(result, "value " + std::to_string(i)), strings[i])
+            << "string " << i;
+        EXPECT_EQ(valueOf<int>(result, "name:" + strings[i]), int(i)) << "string " << i;
+    }
+    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "list"), strings);
+    EXPECT_EQ(valueOf<StringPairs>(result, "pairs"), pairs);
+    EXPECT_EQ(valueOf<std::vector<Group>>(result, "groups"), groups);
+}
+
+TEST(oxMessageRW, QStringsKeepTheirUtf16)
+{
+    const std::vector<QString> strings = {
+        QString(),
+        QString::fromUtf8(" \t\n "),
+        QString::fromUtf8("\xf0\x9f\x8e\xa5 Kamera"), // surrogate pair
+        QString(QChar(0xD800)) + "lone high",
+        "lone low" + QString(QChar(0xDC00)),
+        QString(QChar(0xFFFE)),
+        QString::fromUtf8("bell\x07 and\r\nCRLF"),
+        QString(QChar(0)) + "nul",
+    };
+    oxMessage message;
+    for (size_t i = 0; i < strings.size(); ++i)
+        message.set("q" + std::to_string(i), strings[i]);
+    const oxMessage result = roundTrip(message);
+    for (size_t i = 0; i < strings.size(); ++i)
+        EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), strings[i]) << i;
+}
+
+TEST(oxMessageRW, EmptyAndNestedLists)
+{
+    const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
+                                           makeGroup("Look", {"day", "night"})};
+    const std::vector<std::vector<Group>> nested = {{}, someGroups, {}, {makeGroup("", {""})}};
+
+    oxMessage message;
+    message.set("ints", std::vector<int>());
+    message.set("uints", std::vector<unsigned int>());
+    message.set("floats", std::vector<float>());
+    message.set("bools", std::vector<bool>());
+    message.set("strings", std::vector<std::string>());
+    message.set("oneEmptyString", std::vector<std::string>{""});
+    message.set("pairs", StringPairs());
+    message.set("emptyPair", StringPairs{{"", ""}});
+    message.set("groups", std::vector<Group>());
+    message.set("someGroups", someGroups);
+    message.set("groupLists", std::vector<std::vector<Group>>());
+    message.set("emptyGroupLists", std::vector<std::vector<Group>>(3));
+    message.set("nested", nested);
+
+    const oxMessage result = roundTrip(message);
+    EXPECT_TRUE(valueOf<std::vector<int>>(result, "ints").empty());
+    EXPECT_TRUE(valueOf<std::vector<unsigned int>>(result, "uints").empty());
+    EXPECT_TRUE(valueOf<std::vector<float>>(result, "floats").empty());
+    EXPECT_TRUE(valueOf<std::vector<bool>>(result, "bools").empty());
+    EXPECT_TRUE(valueOf<std::vector<std::string>>(result, "strings").empty());
+    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "oneEmptyString"),
+              std::vector<std::string>{""});
+    EXPECT_TRUE(valueOf<StringPairs>(result, "pairs").empty());
+    EXPECT_EQ(valueOf<StringPairs>(result, "emptyPair"), (StringPairs{{"", ""}}));
+    EXPECT_TRUE(valueOf<std::vector<Group>>(result, "groups").empty());
+    EXPECT_EQ(valueOf<std::vector<Group>>(result, "someGroups"), someGroups);
+    EXPECT_TRUE(valueOf<std::vector<std::vector<Group>>>(result, "groupLists").empty());
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "emptyGroupLists"),
+              std::vector<std::vector<Group>>(3));
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
+}
+
+TEST(oxMessageRW, RecordAttributesAndId)
+{
+    oxMessage message(std::numeric_limits<uint64_t>::max());
+    message.addAttribute("rendersettings_version", "1");
+    // Names that clash with the form's own attributes or aren't XML names, and values XML
+    // can't carry as they are.
+    const StringPairs odd = {
+        {"ox:format", "99"},  {"ox:id", "7"},     {"xmlns:ox", "x"},    {"xmlns", "urn:other"},
+        {"", "empty name"},   {"1st", "digit"},   {"two words", "a b"}, {"gr\xc3\xbc\xc3\x9f", "u"},
+        {"ctrl\x01", "\x02"}, {"crlf", "a\r\nb"}, {"empty", ""},        {"spaces", "  "},
+        {"tab", "\t"}};
+    for (const auto& [name, value] : odd)
+        message.addAttribute(name, value);
+    message.set("value", 1);
+
+    const std::string text = textOf(message);
+    // Plain record attributes are visible as attributes of the root element.
+    const size_t rootStart = text.find("<oxMessage");
+    const std::string rootTag = text.substr(rootStart, text.find('>', rootStart) - rootStart);
+    EXPECT_NE(rootTag.find(" rendersettings_version=\"1\""), std::string::npos) << rootTag;
+
+    oxMessage result;
+    ASSERT_TRUE(oxMessageRW::read(result, "", text)) << text;
+    EXPECT_EQ(result.id(), std::numeric_limits<uint64_t>::max());
+    EXPECT_EQ(result.getAttributes(), message.getAttributes());
+    EXPECT_EQ(valueOf<int>(result, "value"), 1);
+
+    oxMessage zero(0);
+    EXPECT_EQ(roundTrip(zero).id(), 0u);
+    EXPECT_TRUE(roundTrip(zero).getAttributes().empty());
+}
+
+TEST(oxMessageRW, ReadReplacesTheWholeMessage)
+{
+    oxMessage source(11);
+    source.set("kept", 2);
+    source.addAttribute("version", "3");
+    const std::string text = textOf(source);
+
+    oxMessage target(99);
+    target.set("kept", std::string("other type"));
+    target.set("stale", 1.0f);
+    target.addAttribute("old", "x");
+    ASSERT_TRUE(oxMessageRW::read(target, nullptr, text));
+    EXPECT_EQ(target.id(), 11u);
+    EXPECT_EQ(textOf(target), text);
+    EXPECT_FALSE(target.has("stale"));
+    EXPECT_EQ(target.getAttibute("old"), "");
+}
+
+TEST(oxMessageRW, ToleratesHandEditing)
+{
+    // Comments, CRLF line ends, padding around numbers, base64 wrapped over lines, CDATA.
+    const std::string text =
+        "\xef\xbb\xbf<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
+        "<!-- edited by hand -->\r\n"
+        "<oxMessage ox:format=\"1\" ox:id=\"3\" version='2'>\r\n"
+        "  <int n=\"a\">  -5\r\n</int>\r\n"
+        "  <!-- disabled: <int n=\"b\">6</int> -->\r\n"
+        "  <floats n=\"f\">\r\n 1.5\t2\r\n  -inf </floats>\r\n"
+        "  <bools n=\"b\">true 0 false 1</bools>\r\n"
+        "  <string n=\"s\" enc=\"base64\">YWJj\r\n  ZA==</string>\r\n"
+        "  <string n=\"c\"><![CDATA[<raw> & ]]></string>\r\n"
+        "  <strings n=\"list\">\r\n    <s>x</s>\r\n    <!-- note -->\r\n    <s>y</s>\r\n"
+        "  </strings>\r\n"
+        "</oxMessage>\r\n";
+    oxMessage message;
+    ASSERT_TRUE(oxMessageRW::read(message, nullptr, text));
+    EXPECT_EQ(message.id(), 3u);
+    EXPECT_EQ(message.getAttibute("version"), "2");
+    EXPECT_EQ(valueOf<int>(message, "a"), -5);
+    EXPECT_EQ(valueOf<std::vector<float>>(message, "f"),
+              (std::vector<float>{1.5f, 2.0f, -std::numeric_limits<float>::infinity()}));
+    EXPECT_EQ(valueOf<std::vector<bool>>(message, "b"),
+              (std::vector<bool>{true, false, false, true}));
+    EXPECT_EQ(valueOf<std::string>(message, "s"), "abcd");
+    EXPECT_EQ(valueOf<std::string>(message, "c"), "<raw> & ");
+    EXPECT_EQ(valueOf<std::vector<std::string>>(message, "list"),
+              (std::vector<std::string>{"x", "y"}));
+    EXPECT_EQ(message.getMap().size(), 6u); // not the commented-out one
+}
+
+TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
+{
+    const std::string head = "<?xml version=\"1.0\"?><oxMessage ox:format=\"1\" ox:id=\"1\">";
+    const std::string tail = "</oxMessage>";
+    auto doc = [&](const std::string& body) { return head + body + tail; };
+    const std::vector<std::pair<const char*, std::string>> cases = {
+        {"empty", ""},
+        {"not XML", "oxMessage"},
+        {"unclosed", head + "<int n=\"a\">1</int>"},
+        {"wrong root", "<message ox:format=\"1\" ox:id=\"1\"/>"},
+        {"two roots", doc("") + "<oxMessage ox:format=\"1\" ox:id=\"2\"/>"},
+        {"text after root", doc("") + "trailing"},
+        {"newer format", "<oxMessage ox:format=\"2\" ox:id=\"1\"/>"},
+        {"format zero", "<oxMessage ox:format=\"0\" ox:id=\"1\"/>"},
+        {"format text", "<oxMessage ox:format=\"one\" ox:id=\"1\"/>"},
+        {"no format", "<oxMessage ox:id=\"1\"/>"},
+        {"no id", "<oxMessage ox:format=\"1\"/>"},
+        {"negative id", "<oxMessage ox:format=\"1\" ox:id=\"-1\"/>"},
+        {"id too big", "<oxMessage ox:format=\"1\" ox:id=\"18446744073709551616\"/>"},
+        {"unknown reserved", "<oxMessage ox:format=\"1\" ox:id=\"1\" ox:extra=\"\"/>"},
+        {"unknown type", doc("<double n=\"a\">1</double>")},
+        {"no name", doc("<int>1</int>")},
+        {"two names", doc("<int n=\"a\" n64=\"YQ==\">1</int>")},
+        {"same name twice", doc("<int n=\"a\">1</int><float n=\"a\">1</float>")},
+        {"int too big", doc("<int n=\"a\">2147483648</int>")},
+        {"int fraction", doc("<int n=\"a\">1.5</int>")},
+        {"int plus", doc("<int n=\"a\">+1</int>")},
+        {"int empty", doc("<int n=\"a\"></int>")},
+        {"int two", doc("<int n=\"a\">1 2</int>")},
+        {"uint negative", doc("<uint n=\"a\">-1</uint>")},
+        {"uint too big", doc("<uint n=\"a\">4294967296</uint>")},
+        {"float too big", doc("<float n=\"a\">1e39</float>")},
+        {"float text", doc("<float n=\"a\">one</float>")},
+        {"nan with number bits", doc("<float n=\"a\">nan(0x3f800000)</float>")},
+        {"nan short", doc("<float n=\"a\">nan(0x7fc0)</float>")},
+        {"bool word", doc("<bool n=\"a\">yes</bool>")},
+        {"ints with word", doc("<ints n=\"a\">1 2 x</ints>")},
+        {"floats with comma", doc("<floats n=\"a\">1,5</floats>")},
+        {"bools with 2", doc("<bools n=\"a\">1 2</bools>")},
+        {"bad base64", doc("<string n=\"a\" enc=\"base64\">@@@@</string>")},
+        {"base64 cut", doc("<string n=\"a\" enc=\"base64\">YWJ</string>")},
+        {"unknown encoding", doc("<string n=\"a\" enc=\"rot13\">nop</string>")},
+        {"bad name base64", doc("<int n64=\"*\">1</int>")},
+        {"odd utf16", doc("<qstring n=\"a\" enc=\"base64-utf16le\">YWJj</qstring>")},
+        {"strings with other child", doc("<strings n=\"a\"><s>x</s><t>y</t></strings>")},
+        {"pair without key", doc("<pairs n=\"a\"><pair>v</pair></pairs>")},
+        {"group without name", doc("<groups n=\"a\"><group><s>x</s></group></groups>")},
+        {"group list of groups", doc("<groupLists n=\"a\"><group n=\"x\"/></groupLists>")},
+        {"record attribute twice",
+         "<oxMessage ox:format=\"1\" ox:id=\"1\" v=\"1\"><ox:attribute n=\"v\">2</ox:attribute>"
+         "</oxMessage>"},
+        {"record attribute element without name", doc("<ox:attribute>2</ox:attribute>")},
+    };
+
+    oxMessage original(77);
+    original.set("keep", std::string("me"));
+    original.addAttribute("record", "attribute");
+    const std::string before = textOf(original);
+
+    QuietLog log;
+    std::string reasons;
+    for (const auto& [what, text] : cases) {
+        oxMessage message = original;
+        EXPECT_FALSE(oxMessageRW::read(message, nullptr, text)) << what << ": " << text;
+        EXPECT_EQ(textOf(message), before) << what;
+        // Every rejection says why, without logging: the caller decides what to report.
+        EXPECT_FALSE(oxMessageRW::lastError().empty()) << what;
+        reasons += oxMessageRW::lastError() + "\n";
+    }
+    EXPECT_TRUE(log.errors().empty());
+    EXPECT_NE(reasons.find("newer"), std::string::npos);
+    EXPECT_NE(reasons.find("double"), std::string::npos);
+
+    oxMessage message;
+    ASSERT_TRUE(oxMessageRW::read(message, nullptr, before));
+    EXPECT_EQ(oxMessageRW::lastError(), "");
+}
+
+TEST(oxMessageRW, UnknownTypeFailsWrite)
+{
+    struct Unknown {
+        int x = 0;
+    };
+    oxMessage message;
+    message.set("fine", 1);
+    message.set("strange", Unknown());
+
+    QuietLog log;
+    std::string text = "previous";
+    EXPECT_FALSE(oxMessageRW::write(message, text));
+    EXPECT_EQ(text, "previous");
+    EXPECT_TRUE(log.mentions("strange")) << (log.errors().empty() ? "" : log.errors()[0]);
+
+    message.remove("strange");
+    message.set("double", 1.0);
+    EXPECT_FALSE(oxMessageRW::write(message, text));
+    EXPECT_TRUE(log.mentions("double"));
+}
+
+class oxMessageRWFile : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_FALSE(m_folder.path().empty()); }
+
+    static std::string contents(const std::string& path)
+    {
+        std::ifstream in(path, std::ios::binary);
+        std::ostringstream data;
+        data << in.rdbuf();
+        return data.str();
+    }
+
+    oxTempDir m_folder;
+};
+
+TEST_F(oxMessageRWFile, WritesAndReadsFiles)
+{
+    oxMessage message(3);
+    message.addAttribute("rendersettings_version", "1");
+    message.set("exposure", std::vector<float>{0.5f, 1.0f});
+    const std::string path = m_folder.file("preset.xml");
+
+    ASSERT_TRUE(oxMessageRW::write(message, path.c_str()));
+    std::string text;
+    ASSERT_TRUE(oxMessageRW::write(message, text));
+    EXPECT_EQ(contents(path), text);
+
+    // The text argument is ignored when a file name is given.
+    oxMessage result;
+    ASSERT_TRUE(oxMessageRW::read(result, path.c_str(), "not a document"));
+    EXPECT_EQ(textOf(result), text);
+
+    // Overwriting replaces the whole file.
+    message.remove("exposure");
+    ASSERT_TRUE(oxMessageRW::write(message, path.c_str()));
+    ASSERT_TRUE(oxMessageRW::read(result, path.c_str(), ""));
+    EXPECT_FALSE(result.has("exposure"));
+
+    QuietLog log;
+    const std::string missing = m_folder.file("missing.xml");
+    EXPECT_FALSE(oxMessageRW::read(result, missing.c_str(), text));
+    EXPECT_NE(oxMessageRW::lastError().find("missing.xml"), std::string::npos);
+    EXPECT_FALSE(oxMessageRW::write(message, m_folder.file("no/such/folder.xml").c_str()));
+    EXPECT_TRUE(log.mentions("folder.xml"));
+}
+
+TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
+{
+    oxMessage first(1);
+    first.set("value", 1);
+    const std::string path = m_folder.file("preset.xml");
+    ASSERT_TRUE(oxMessageRW::write(first, path.c_str()));
+    const std::string before = contents(path);
+
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0555), 0);
+    // Privileged users write into read-only folders anyway; then there is nothing to test.
+    const std::string probe = m_folder.file("probe");
+    if (oxIgnoresFilePermissions() || std::ofstream(probe)) {
+        ::unlink(probe.c_str());
+        GTEST_SKIP() << "read-only folders are writable for this user";
+    }
+
+    oxMessage second(2);
+    second.set("value", 2);
+    QuietLog log;
+    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
+    EXPECT_TRUE(log.mentions(path));
+    EXPECT_EQ(contents(path), before);
+    // No temporary file is left behind either.
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 1);
+
+    // A message with an unknown value type isn't written at all.
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
+    second.set("bad", 1.0);
+    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
+    EXPECT_EQ(contents(path), before);
+}
+
+namespace {
+
+oxMessage everyType()
+{
+    oxMessage message(123456789);
+    message.addAttribute("rendersettings_version", "1");
+    message.addAttribute("odd name", "v\x01");
+    message.set("bool", true);
+    message.set("int", -42);
+    message.set("uint", 42u);
+    message.set("float", -0.0f);
+    message.set("string", std::string("a <b> & c"));
+    message.set("encoded", std::string("\x01\x02"));
+    message.set("qstring", QString::fromUtf8("\xc3\xa9"));
+    message.set("ints", std::vector<int>{1, -2, 3});
+    message.set("uints", std::vector<unsigned int>{4, 5});
+    message.set("floats", std::vector<float>{1.5f, std::numeric_limits<float>::quiet_NaN()});
+    message.set("bools", std::vector<bool>{true, false});
+    message.set("strings", std::vector<std::string>{"x", "", " "});
+    message.set("pairs", StringPairs{{"k", "v"}});
+    message.set("groups", std::vector<Group>{makeGroup("g", {"s"})});
+    message.set("groupLists", std::vector<std::vector<Group>>{{makeGroup("h", {})}, {}});
+    return message;
+}
+
+} // namespace
+
+TEST(oxMessageRW, TruncatedDocumentsFailOrReadConsistently)
+{
+    const std::string full = textOf(everyType());
+    oxMessage sentinel(5);
+    sentinel.set("sentinel", 1);
+    const std::string sentinelText = textOf(sentinel);
+
+    QuietLog log;
+    size_t accepted = 0;
+    for (size_t length = 0; length < full.size(); ++length) {
+        oxMessage message = sentinel;
+        if (oxMessageRW::read(message, nullptr, full.substr(0, length))) {
+            // Only cutting what follows the root element can leave a valid document.
+            ++accepted;
+            EXPECT_EQ(textOf(message), full) << "cut at " << length;
+        } else {
+            EXPECT_EQ(textOf(message), sentinelText) << "cut at " << length;
+        }
+    }
+    EXPECT_LE(accepted, 1u);
+}
+
+TEST(oxMessageRW, GarbageNeverCrashes)
+{
+    const std::string valid = textOf(everyType());
+    std::mt19937 random(2024);
+    auto byte = [&] { return char(random() & 0xFF); };
+
+    std::vector<std::string> inputs;
+    for (int i = 0; i < 1000; ++i) {
+        std::string junk(random() % 300, '\0');
+        for (char& c : junk)
+            c = byte();
+        inputs.push_back(junk);
+        // Junk behind a plausible start gets the parser further.
+        inputs.push_back("<oxMessage ox:format=\"1\" ox:id=\"1\">" + junk);
+    }
+    // Small mutations of a valid document reach the value readers.
+    const std::string alphabet = "<>/=\"' &;#x0123456789.-+enaf\x01\x80\xff";
+    for (int i = 0; i < 4000; ++i) {
+        std::string mutated = valid;
+        const int edits = 1 + int(random() % 4);
+        for (int e = 0; e < edits; ++e) {
+            const size_t at = random() % mutated.size();
+            const char c = random() % 2 ? alphabet[random() % alphabet.size()] : byte();
+            switch (random() % 3) {
+            case 0:
+                mutated[at] = c;
+                break;
+            case 1:
+                mutated.insert(mutated.begin() + long(at), c);
+                break;
+            default:
+                mutated.erase(at, 1 + random() % 8);
+                break;
+            }
+        }
+        inputs.push_back(mutated);
+    }
+
+    oxMessage sentinel(5);
+    sentinel.set("sentinel", 1);
+    const std::string sentinelText = textOf(sentinel);
+    QuietLog log;
+    for (const std::string& input : inputs) {
+        oxMessage message = sentinel;
+        if (!oxMessageRW::read(message, nullptr, input)) {
+            ASSERT_EQ(textOf(message), sentinelText);
+            continue;
+        }
+        // Whatever was accepted is a message that writes and reads back the same.
+        const std::string text = textOf(message);
+        oxMessage again;
+        ASSERT_TRUE(oxMessageRW::read(again, nullptr, text)) << input;
+        ASSERT_EQ(textOf(again), text);
+    }
+}

@@ -1,0 +1,144 @@
+#include "oxRenderPasses.h"
+
+#include "oxTestSupport.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace {
+
+using RenderPassTableTest = oxTest;
+
+template <typename Order>
+void expectPermutationOfAllFlags(const Order& order, size_t expected)
+{
+    std::set<PassFlag> seen(order.begin(), order.end());
+    EXPECT_EQ(seen.size(), order.size());
+    EXPECT_EQ(order.size(), expected);
+}
+
+size_t positionIn(const std::array<PassFlag, kPassFlagCount>& order, PassFlag flag)
+{
+    return static_cast<size_t>(std::find(order.begin(), order.end(), flag) - order.begin());
+}
+
+} // namespace
+
+TEST_F(RenderPassTableTest, RowsAreInEnumOrderAndNamesAreUnique)
+{
+    std::set<std::string> columns, sceneKeys, slots, widgets, scriptNames;
+    for (size_t i = 0; i < kPassFlags.size(); ++i) {
+        const oxRenderPassFlagInfo& info = kPassFlags[i];
+        EXPECT_EQ(static_cast<size_t>(info.flag), i);
+        EXPECT_TRUE(columns.insert(info.column).second) << info.column;
+        EXPECT_TRUE(sceneKeys.insert(info.sceneKey).second) << info.sceneKey;
+        EXPECT_TRUE(slots.insert(info.slot).second) << info.slot;
+        // Every key and column ends as the pass's own words do.
+        EXPECT_EQ(std::string(info.sceneKey).rfind("MovieExport ", 0), 0u);
+        EXPECT_EQ(std::string(info.column).substr(std::string(info.column).size() - 5), "_pass");
+        EXPECT_EQ(std::string(info.slot).rfind("changedExport", 0), 0u);
+        if (info.widget) {
+            EXPECT_TRUE(widgets.insert(info.widget).second) << info.widget;
+            EXPECT_EQ(info.widget[0], '_');
+        }
+        if (info.twinWidget) {
+            EXPECT_TRUE(widgets.insert(info.twinWidget).second) << info.twinWidget;
+            EXPECT_EQ(std::string(info.twinWidget), std::string(info.widget) + "_2");
+        }
+        if (const char* name = info.scriptName()) {
+            EXPECT_TRUE(scriptNames.insert(name).second) << name;
+        }
+    }
+    EXPECT_EQ(kPassFlags.size(), 42u);
+    EXPECT_EQ(scriptNames.size(), 41u);
+    EXPECT_EQ(std::set<std::string>(kPassNames.begin(), kPassNames.end()).size(), kPassCount);
+}
+
+TEST_F(RenderPassTableTest, EveryIdButTheLastTwoBelongsToExactlyOneFlag)
+{
+    std::vector<int> owners(kPassCount, 0);
+    for (const oxRenderPassFlagInfo& info : kPassFlags)
+        for (unsigned i = 0; i < info.idCount; ++i)
+            ++owners[info.firstId + i];
+    for (unsigned id = 0; id < kPassCount; ++id)
+        EXPECT_EQ(owners[id], id >= PassMotionVector ? 0 : 1) << kPassNames[id];
+
+    // The deliberate mismatches between a flag's name and its pass stay as they are.
+    EXPECT_STREQ(kPassNames[passFlagInfo(PassFlag::SpecularIBL).firstId], "specular_reflection");
+    EXPECT_STREQ(kPassNames[passFlagInfo(PassFlag::SpecularReflection).firstId],
+                 "specular_indirect_illumination");
+    EXPECT_STREQ(kPassNames[PassBackplates], "backplates");
+    EXPECT_EQ(PassFrontplates, 29u);
+    EXPECT_FALSE(passFlagInfo(PassFlag::SpecularLight).hasPassId());
+    EXPECT_EQ(passFlagInfo(PassFlag::SpecularLight).scriptName(), nullptr);
+    EXPECT_EQ(passFlagInfo(PassFlag::SpecularLight).widget, nullptr);
+}
+
+TEST_F(RenderPassTableTest, OrdersOfKeysColumnsAndScriptNames)
+{
+    expectPermutationOfAllFlags(kPassFlagSceneKeyOrder, 42);
+    expectPermutationOfAllFlags(kPassFlagColumnOrder, 42);
+    expectPermutationOfAllFlags(kPassFlagScriptOrder, 41);
+    EXPECT_EQ(std::count(kPassFlagScriptOrder.begin(), kPassFlagScriptOrder.end(),
+                         PassFlag::SpecularLight),
+              0);
+
+    // Both stores start and end alike and differ only in where the image processing flags
+    // stand against mask, position and view vector.
+    for (size_t i = 0; i < 19; ++i)
+        EXPECT_EQ(kPassFlagSceneKeyOrder[i], kPassFlagColumnOrder[i]);
+    for (size_t i = 26; i < 42; ++i)
+        EXPECT_EQ(kPassFlagSceneKeyOrder[i], kPassFlagColumnOrder[i]);
+    EXPECT_LT(positionIn(kPassFlagSceneKeyOrder, PassFlag::ViewVector),
+              positionIn(kPassFlagSceneKeyOrder, PassFlag::Fog));
+    EXPECT_LT(positionIn(kPassFlagColumnOrder, PassFlag::Backplate),
+              positionIn(kPassFlagColumnOrder, PassFlag::Mask));
+    EXPECT_EQ(kPassFlagSceneKeyOrder.front(), PassFlag::Beauty);
+    EXPECT_EQ(kPassFlagColumnOrder.back(), PassFlag::SpecularReflection);
+
+    std::vector<std::string> names;
+    for (PassFlag flag : kPassFlagScriptOrder)
+        names.push_back(passFlagInfo(flag).scriptName());
+    EXPECT_EQ(names.front(), "beauty");
+    EXPECT_EQ(names[7], "specular_reflection");
+    EXPECT_EQ(names[31], "cryptoObjectMatte");
+    EXPECT_EQ(names[33], "materialID");
+    EXPECT_EQ(names.back(), "backplates");
+}
+
+TEST_F(RenderPassTableTest, ScriptNamesFindTheirFlags)
+{
+    PassFlag flag = PassFlag::Beauty;
+    EXPECT_TRUE(findPassFlagByScriptName("cryptoMaterialMatte", flag));
+    EXPECT_EQ(flag, PassFlag::CryptoMaterial);
+    EXPECT_TRUE(findPassFlagByScriptName("view", flag));
+    EXPECT_EQ(flag, PassFlag::ViewVector);
+    for (const char* unknown :
+         {"cryptoObject00", "motion_vector", "gpu_depth", "specular_light", "Beauty", ""}) {
+        flag = PassFlag::Beauty;
+        EXPECT_FALSE(findPassFlagByScriptName(unknown, flag)) << unknown;
+    }
+}
+
+TEST_F(RenderPassTableTest, WindowGroupsUseEveryCheckBoxOnce)
+{
+    std::multiset<std::string> boxes;
+    for (const oxRenderPassGroup& group : kPassGroups) {
+        const bool separated = std::string(group.tabObjectName) == "separateChannelsTab";
+        for (PassFlag flag : group.flags) {
+            const oxRenderPassFlagInfo& info = passFlagInfo(flag);
+            ASSERT_NE(info.widget, nullptr);
+            // A flag shown on both tabs uses its twin check box on the second one.
+            boxes.insert(separated && info.twinWidget ? info.twinWidget : info.widget);
+        }
+    }
+    for (const oxRenderPassFlagInfo& info : kPassFlags) {
+        if (info.widget) {
+            EXPECT_EQ(boxes.count(info.widget), 1u) << info.widget;
+        }
+        if (info.twinWidget) {
+            EXPECT_EQ(boxes.count(info.twinWidget), 1u) << info.twinWidget;
+        }
+    }
+}
