@@ -11,7 +11,7 @@ export QT_QPA_PLATFORM ?= offscreen
 export CCACHE_DIR ?= $(HOME)/.ccache
 export CCACHE_MAXSIZE ?= 5G
 
-.PHONY: deps configure build test test-release test-asan demo format format-check clean
+.PHONY: deps configure build test test-release test-asan demo screenshots format format-check clean
 
 deps:
 	@bash scripts/install-deps.sh
@@ -42,12 +42,18 @@ test-asan: deps $(ASAN_DIR)/build.ninja
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest $(CTEST_FLAGS) -j $(JOBS)
 
-# The main job on the built-in example: starts the host headless with its plug-ins.
+# The main job on the built-in example: writes the example scene, then opens it headless with
+# the plug-ins and lists what it offers to a render job.
 demo: build
 	@mkdir -p $(DEMO_DIR)
 	$(BUILD_DIR)/bin/oxlin --version
 	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs --list-plugins
-	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs --log-level debug
+	$(BUILD_DIR)/bin/oxlin --write-example $(DEMO_DIR)/example
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp --list-scene
+
+# Offscreen PNGs of the Render Settings window for review, in $(BUILD_DIR)/screenshots.
+screenshots: build
+	$(BUILD_DIR)/bin/oxscreenshots $(BUILD_DIR)/screenshots
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i

@@ -1,5 +1,7 @@
 #include "oxRenderPasses.h"
 
+#include <algorithm>
+
 const std::array<const char*, kPassCount> kPassNames = {
     "beauty",
     "diffuse_ibl",
@@ -108,51 +110,15 @@ const std::array<PassFlag, kPassFlagCount> kPassFlagSceneKeyOrder = {
     F::SpecularReflection,
 };
 
-// The preset columns put the image processing flags before mask, position and view vector.
-const std::array<PassFlag, kPassFlagCount> kPassFlagColumnOrder = {
-    F::Beauty,
-    F::DiffuseIBL,
-    F::DiffuseLight,
-    F::DiffuseIndirect,
-    F::GlossyIBL,
-    F::GlossyLight,
-    F::GlossyIndirect,
-    F::SpecularIBL,
-    F::SpecularLight,
-    F::Translucency,
-    F::Incandescence,
-    F::Albedo,
-    F::Occlusion,
-    F::Normal,
-    F::CameraNormal,
-    F::Depth,
-    F::CryptoObject,
-    F::CryptoMaterial,
-    F::MaterialID,
-    F::Fog,
-    F::LensFlare,
-    F::Frontplate,
-    F::Backplate,
-    F::Mask,
-    F::Position,
-    F::ViewVector,
-    F::DiffuseColor,
-    F::GlossyColor,
-    F::SpecularColor,
-    F::TranslucencyColor,
-    F::TransparencyColor,
-    F::BackgroundColor,
-    F::DiffuseIBLIllumination,
-    F::DiffuseLightIllumination,
-    F::DiffuseIndirectIllumination,
-    F::GlossyIBLIllumination,
-    F::GlossyLightIllumination,
-    F::GlossyIndirectIllumination,
-    F::TranslucencyIBLIllumination,
-    F::TranslucencyLightIllumination,
-    F::TranslucencyIndirectIllumination,
-    F::SpecularReflection,
-};
+// The preset columns put the four image processing flags before mask, position and view
+// vector; otherwise they run as the scene keys do.
+const std::array<PassFlag, kPassFlagCount> kPassFlagColumnOrder = [] {
+    std::array<PassFlag, kPassFlagCount> order = kPassFlagSceneKeyOrder;
+    const auto mask = std::find(order.begin(), order.end(), PassFlag::Mask);
+    const auto fog = std::find(order.begin(), order.end(), PassFlag::Fog);
+    std::rotate(mask, fog, fog + 4);
+    return order;
+}();
 
 const std::array<PassFlag, kPassFlagCount - 1> kPassFlagScriptOrder = {
     F::Beauty,

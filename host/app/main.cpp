@@ -3,6 +3,7 @@
 
 #include "oxCallTrace.h"
 #include "oxController.h"
+#include "oxExampleScene.h"
 #include "oxFileIO.h"
 #include "oxLog.h"
 #include "oxMainWindow.h"
@@ -10,6 +11,8 @@
 #include "oxPlatform.h"
 #include "oxPluginLoader.h"
 #include "oxPreferences.h"
+#include "oxScene.h"
+#include "oxSceneIO.h"
 
 #include <QApplication>
 
@@ -22,7 +25,10 @@
 namespace {
 
 const char kUsage[] =
-    "Usage: oxlin [options]\n"
+    "Usage: oxlin [options] [FILE]\n"
+    "\n"
+    "FILE is a project (.oxp) or a glTF 2.0 model (.gltf, .glb); without it oxlin starts with\n"
+    "the example scene \"showroom\".\n"
     "\n"
     "Options:\n"
     "  --no-gui              run headless (no window; offscreen Qt platform)\n"
@@ -33,6 +39,9 @@ const char kUsage[] =
     "  --log-file FILE       also write the log to FILE\n"
     "  --log-level LEVEL     error, warning, info (default) or debug\n"
     "  --trace-host-calls    log every call the host's services receive\n"
+    "  --write-example DIR   write the example scene (showroom.gltf, .bin, .oxp) to DIR and exit\n"
+    "  --list-scene          print the scene's cameras, viewpoints, tracks, clips, variant sets,\n"
+    "                        materials and lights, and exit\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -45,6 +54,9 @@ struct Options {
     std::string prefsDir;
     std::string logFile;
     std::string logLevel;
+    std::string exampleDir;
+    bool listScene = false;
+    std::string sceneFile;
 };
 
 // Parses argv; false with a message on standard error for anything it doesn't know.
@@ -82,6 +94,13 @@ bool parseOptions(int argc, char** argv, Options& options)
         } else if (arg == "--log-level") {
             if (!value(options.logLevel))
                 return false;
+        } else if (arg == "--write-example") {
+            if (!value(options.exampleDir))
+                return false;
+        } else if (arg == "--list-scene") {
+            options.listScene = true;
+        } else if (!arg.empty() && arg[0] != '-' && options.sceneFile.empty()) {
+            options.sceneFile = arg;
         } else {
             std::fprintf(stderr, "oxlin: unknown argument '%s' (see oxlin --help)\n", arg.c_str());
             return false;
@@ -117,9 +136,10 @@ void listPlugins()
     std::fflush(stdout);
 }
 
-// A new, empty scene: the project record is cleared and every module is told.
+// A new scene (the built-in example): the project record is cleared and every module is told.
 void newScene()
 {
+    oxSceneIO::newScene();
     oxFileIO::clearProject();
     oxMessage message(oxController::MessageNewScene);
     oxController::broadcastMessage(message);
@@ -143,7 +163,17 @@ int main(int argc, char** argv)
         return 0;
     }
 
-    if (options.noGUI || options.listPlugins) {
+    if (!options.exampleDir.empty()) {
+        std::string error;
+        if (!oxExampleScene::write(options.exampleDir, error)) {
+            std::fprintf(stderr, "oxlin: can't write the example scene: %s\n", error.c_str());
+            return 1;
+        }
+        std::printf("Wrote the example scene to '%s'.\n", options.exampleDir.c_str());
+        return 0;
+    }
+
+    if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
         oxController::setNoGUI(true);
@@ -177,7 +207,13 @@ int main(int argc, char** argv)
         listPlugins();
     } else {
         newScene();
-        if (!options.noGUI) {
+        if (!options.sceneFile.empty() && !oxSceneIO::open(options.sceneFile) &&
+            (options.noGUI || options.listScene))
+            result = 1;
+        if (result == 0 && options.listScene) {
+            std::fputs(oxSceneIO::describe(oxScene::current()).c_str(), stdout);
+            std::fflush(stdout);
+        } else if (result == 0 && !options.noGUI) {
             mainWindow->show();
             result = application.exec();
         } else {

@@ -3,9 +3,13 @@
 #include <QMainWindow>
 
 class QMenu;
+class QToolBar;
+class QOXDockWindowManager;
 
 /// The host's main window: menu bar, central render view and dock areas. Its menus are
-/// published by name through oxController::getMenu ("File", "Export").
+/// published by name through oxController::getMenu ("File", "Export", "Window"); its dock
+/// window manager, which also owns the quick-access tool bar, through
+/// oxController::getDockWindowManager.
 class oxMainWindow : public QMainWindow {
     Q_OBJECT
 public:
@@ -14,8 +18,19 @@ public:
 
     QMenu* fileMenu() const { return m_fileMenu; }
     QMenu* exportMenu() const { return m_exportMenu; }
+    QMenu* windowMenu() const { return m_windowMenu; }
+    QToolBar* quickAccessToolBar() const { return m_quickAccess; }
+    QOXDockWindowManager* dockWindowManager() const { return m_dockWindowManager; }
 
 private:
+    // File > Open, Save and Save As: project and model files of oxSceneIO.
+    void openScene();
+    void saveScene();
+    void saveSceneAs();
+
     QMenu* m_fileMenu = nullptr;
     QMenu* m_exportMenu = nullptr;
+    QMenu* m_windowMenu = nullptr;
+    QToolBar* m_quickAccess = nullptr;
+    QOXDockWindowManager* m_dockWindowManager = nullptr;
 };

@@ -1,0 +1,72 @@
+#include "oxOSGWidget.h"
+
+namespace {
+
+struct State {
+#define OX_OSG_WIDGET_MEMBER(type, name, start) type name = start;
+    OX_OSG_WIDGET_STATE(OX_OSG_WIDGET_MEMBER)
+#undef OX_OSG_WIDGET_MEMBER
+    bool stillDOF = true;
+    bool gpu = false;
+    bool spectral = false;
+};
+
+State& state()
+{
+    static State s;
+    return s;
+}
+
+oxServiceListeners& listeners()
+{
+    static oxServiceListeners l;
+    return l;
+}
+
+template <typename T>
+void assign(T& target, T value, const char* parameter)
+{
+    if (target == value)
+        return;
+    target = value;
+    listeners().notify(parameter);
+}
+
+} // namespace
+
+#define OX_OSG_WIDGET_DEFINE(type, name, start)                                                    \
+    type oxOSGWidget::get##name() { return state().name; }                                         \
+    void oxOSGWidget::set##name(type value)                                                        \
+    {                                                                                              \
+        oxTraceCall("oxOSGWidget::set" #name, value);                                              \
+        assign(state().name, value, #name);                                                        \
+    }
+OX_OSG_WIDGET_STATE(OX_OSG_WIDGET_DEFINE)
+#undef OX_OSG_WIDGET_DEFINE
+
+void oxOSGWidget::enableStillDOF(bool enable)
+{
+    oxTraceCall("oxOSGWidget::enableStillDOF", enable);
+    assign(state().stillDOF, enable, "StillDOF");
+}
+
+bool oxOSGWidget::isStillDOFEnabled() { return state().stillDOF; }
+
+void oxOSGWidget::setRaytracingMode(bool spectral, bool gpu)
+{
+    oxTraceCall("oxOSGWidget::setRaytracingMode", spectral, gpu);
+    assign(state().spectral, spectral, "SpectralRaytracingMode");
+    assign(state().gpu, gpu, "GpuRaytracing");
+}
+
+bool oxOSGWidget::getGpuRaytracing() { return state().gpu; }
+bool oxOSGWidget::getSpectralRaytracingMode() { return state().spectral; }
+
+void oxOSGWidget::resetToDefaults() { state() = State(); }
+
+int oxOSGWidget::addListener(oxServiceListeners::Listener listener)
+{
+    return listeners().add(std::move(listener));
+}
+
+void oxOSGWidget::removeListener(int handle) { listeners().remove(handle); }

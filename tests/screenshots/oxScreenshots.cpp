@@ -1,0 +1,99 @@
+// oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
+// the main window with the docked window, each tab of the window with every section open,
+// and the render pass section on each of its tabs.
+//
+// Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
+
+#include "QOXCollapsibleFrame.h"
+#include "oxController.h"
+#include "oxMainWindow.h"
+#include "oxPlatform.h"
+#include "oxRenderSettings.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QScrollArea>
+#include <QTabWidget>
+
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" void initPlugin();
+
+namespace {
+
+bool save(QWidget* widget, const QDir& dir, const QString& name)
+{
+    QCoreApplication::processEvents();
+    const QString path = dir.filePath(name + QStringLiteral(".png"));
+    if (!widget->grab().save(path)) {
+        std::fprintf(stderr, "oxscreenshots: can't write '%s'\n", qPrintable(path));
+        return false;
+    }
+    std::printf("%s\n", qPrintable(path));
+    return true;
+}
+
+// The whole contents of a tab, as if its scroll area were tall enough.
+bool saveTab(QScrollArea* area, const QDir& dir, const QString& name)
+{
+    QWidget* contents = area->widget();
+    QCoreApplication::processEvents();
+    contents->resize(area->viewport()->width(), contents->sizeHint().height());
+    return save(contents, dir, name);
+}
+
+QString fileName(const QString& text)
+{
+    QString name = text.toLower();
+    name.replace(QRegExp(QStringLiteral("[^a-z0-9]+")), QStringLiteral("_"));
+    return name;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    oxPlatform::ensureRuntimeDir();
+    QApplication application(argc, argv);
+    oxController::setNoGUI(true);
+
+    const QDir dir(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("screenshots"));
+    if (!QDir().mkpath(dir.path())) {
+        std::fprintf(stderr, "oxscreenshots: can't create '%s'\n", qPrintable(dir.path()));
+        return 1;
+    }
+
+    oxMainWindow mainWindow;
+    initPlugin();
+    oxRenderSettings* window = oxRenderSettings::instance();
+    if (!window) {
+        std::fprintf(stderr, "oxscreenshots: the plug-in made no Render Settings window\n");
+        return 1;
+    }
+    mainWindow.resize(1400, 900);
+    mainWindow.show();
+    bool ok = save(&mainWindow, dir, QStringLiteral("main_window"));
+
+    for (QOXCollapsibleFrame* frame : window->findChildren<QOXCollapsibleFrame*>())
+        frame->setCollapsed(false);
+    QTabWidget* tabs = window->RenderSettingsTabWidget;
+    for (int i = 0; i < tabs->count(); ++i) {
+        tabs->setCurrentIndex(i);
+        auto* area = tabs->widget(i)->findChild<QScrollArea*>();
+        if (area)
+            ok = saveTab(area, dir,
+                         QStringLiteral("tab_%1_%2").arg(i + 1).arg(fileName(tabs->tabText(i)))) &&
+                 ok;
+    }
+    tabs->setCurrentIndex(0);
+    for (int i = 0; i < window->RenderpassesTab->count(); ++i) {
+        window->RenderpassesTab->setCurrentIndex(i);
+        ok = save(window->_renderpassesCF, dir,
+                  QStringLiteral("renderpasses_%1")
+                      .arg(fileName(window->RenderpassesTab->tabText(i)))) &&
+             ok;
+    }
+    return ok ? 0 : 1;
+}

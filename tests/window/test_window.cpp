@@ -1,0 +1,328 @@
+// The Render Settings window as the module builds it, docked into the host's main window.
+
+#include "QOXDockWindowManager.h"
+#include "oxController.h"
+#include "oxImageWriter.h"
+#include "oxMainWindow.h"
+#include "oxMovieExport.h"
+#include "oxPresetGUII.h"
+#include "oxRenderSettings.h"
+#include "oxRenderSettingsForm.h"
+
+#include "oxQtPrinters.h"
+#include "oxTestSupport.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QMenu>
+#include <QTabBar>
+#include <QToolBar>
+#include <QTreeWidget>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+// A module made and unloaded inside one test, in a host main window of its own.
+class WindowTest : public oxTest {
+protected:
+    void SetUp() override { mainWindow = std::make_unique<oxMainWindow>(); }
+    void TearDown() override
+    {
+        unload();
+        mainWindow.reset();
+        oxTest::TearDown();
+    }
+
+    oxMovieExport* load()
+    {
+        module = std::make_unique<oxMovieExport>();
+        return module.get();
+    }
+    void unload()
+    {
+        if (!module)
+            return;
+        testing::internal::CaptureStdout();
+        module.reset();
+        const std::string out = testing::internal::GetCapturedStdout();
+        EXPECT_EQ(out, "oxMovieExport::~oxMovieExport\n");
+        // Docks of deleted windows go at the next turn of the event loop.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
+
+    std::unique_ptr<oxMainWindow> mainWindow;
+    std::unique_ptr<oxMovieExport> module;
+};
+
+QStringList actionTexts(const QMenu* menu)
+{
+    QStringList texts;
+    for (const QAction* action : menu->actions())
+        texts << (action->isSeparator() ? QStringLiteral("-") : action->text());
+    return texts;
+}
+
+} // namespace
+
+TEST_F(WindowTest, ModuleDocksItsWindowAndPublishesTheQuickRenderAction)
+{
+    load();
+    ASSERT_NE(window(), nullptr);
+    EXPECT_EQ(oxRenderSettings::instance(), window());
+    EXPECT_EQ(module->getMainWidget(), window());
+    EXPECT_EQ(window()->getImageWriter(), module->getImageWriter());
+    EXPECT_EQ(window()->getMovieExport(), module.get());
+
+    QOXDockWindowManager* manager = oxController::getDockWindowManager();
+    ASSERT_EQ(manager, mainWindow->dockWindowManager());
+    QOXDockWidget* dock = manager->getDockWidget("Render Settings");
+    ASSERT_NE(dock, nullptr);
+    EXPECT_EQ(dock->widget(), window());
+    EXPECT_EQ(dock->windowTitle(), "Render");
+    EXPECT_EQ(dock->text(), "Rendering");
+    EXPECT_EQ(dock->toolClip(), "Toolclip_Render");
+    EXPECT_FALSE(dock->windowIcon().isNull());
+    EXPECT_EQ(mainWindow->dockWidgetArea(dock), Qt::RightDockWidgetArea);
+    EXPECT_TRUE(mainWindow->windowMenu()->actions().contains(dock->toggleViewAction()));
+
+    QAction* quick = manager->getQuickAccessAction("QuickRender");
+    ASSERT_NE(quick, nullptr);
+    EXPECT_EQ(quick->text(), "Render");
+    EXPECT_EQ(quick->iconText(), "Render");
+    EXPECT_EQ(quick->toolTip(), "Renders with actual export settings");
+    EXPECT_FALSE(quick->icon().isNull());
+    EXPECT_EQ(quick->parent(), module.get());
+
+    // The file chooser is an icon button of medium icon size plus 2.
+    QPushButton* chooser = window()->_choose_filename;
+    EXPECT_FALSE(chooser->icon().isNull());
+    EXPECT_EQ(chooser->maximumSize(), chooser->iconSize() + QSize(2, 2));
+    EXPECT_EQ(chooser->minimumSize(), chooser->maximumSize());
+
+    // The window action brings the dock out.
+    window()->getWindowAction()->trigger();
+    EXPECT_TRUE(dock->isFloating());
+}
+
+TEST_F(WindowTest, ExportSnapshotStandsBehindTheExportSubmenuUnlessItIsNearTheEnd)
+{
+    QMenu* file = mainWindow->fileMenu();
+    QMenu* exportMenu = mainWindow->exportMenu();
+
+    // Two entries after the submenu: the action goes into the File menu, right behind it.
+    file->clear();
+    file->addAction("Open");
+    file->addMenu(exportMenu);
+    file->addSeparator();
+    file->addAction("Quit");
+    load();
+    QAction* snapshot = module->getExportSnapshotAction();
+    ASSERT_NE(snapshot, nullptr);
+    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "Export Snapshot", "-", "Quit"}));
+    EXPECT_TRUE(exportMenu->actions().isEmpty());
+    EXPECT_EQ(snapshot->shortcut(), QKeySequence(QKeySequence::Print));
+    EXPECT_EQ(snapshot->parent(), module.get());
+    unload();
+    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "-", "Quit"}));
+
+    // Next-to-last: into the submenu.
+    file->clear();
+    file->addAction("Open");
+    file->addMenu(exportMenu);
+    file->addAction("Quit");
+    load();
+    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "Quit"}));
+    EXPECT_EQ(actionTexts(exportMenu), QStringList({"Export Snapshot"}));
+    unload();
+    EXPECT_TRUE(exportMenu->actions().isEmpty());
+
+    // Last: into the submenu too.
+    file->clear();
+    file->addAction("Open");
+    file->addMenu(exportMenu);
+    load();
+    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export"}));
+    EXPECT_EQ(actionTexts(exportMenu), QStringList({"Export Snapshot"}));
+}
+
+TEST_F(WindowTest, WithoutFileMenuThereIsNoSnapshotAction)
+{
+    oxController::registerMenu("File", nullptr);
+    load();
+    EXPECT_EQ(module->getExportSnapshotAction(), nullptr);
+    EXPECT_TRUE(mainWindow->exportMenu()->actions().isEmpty());
+
+    // A File menu without an "Export" submenu: the action exists but stands nowhere.
+    unload();
+    oxController::registerMenu("File", mainWindow->fileMenu());
+    oxController::registerMenu("Export", nullptr);
+    const QStringList before = actionTexts(mainWindow->fileMenu());
+    load();
+    ASSERT_NE(module->getExportSnapshotAction(), nullptr);
+    EXPECT_TRUE(module->getExportSnapshotAction()->associatedWidgets().isEmpty());
+    EXPECT_EQ(actionTexts(mainWindow->fileMenu()), before);
+}
+
+TEST_F(WindowTest, UnloadRemovesWindowDockAndActions)
+{
+    load();
+    QPointer<oxRenderSettings> gone = window();
+    QOXDockWindowManager* manager = mainWindow->dockWindowManager();
+    QPointer<QOXDockWidget> dock = manager->getDockWidget("Render Settings");
+    ASSERT_TRUE(dock);
+    const int toolBarActions = mainWindow->quickAccessToolBar()->actions().size();
+    const int fileActions = mainWindow->fileMenu()->actions().size();
+
+    unload();
+    EXPECT_TRUE(gone.isNull());
+    EXPECT_EQ(oxRenderSettings::instance(), nullptr);
+    EXPECT_TRUE(dock.isNull());
+    EXPECT_EQ(manager->getDockWidget("Render Settings"), nullptr);
+    EXPECT_EQ(manager->getQuickAccessAction("QuickRender"), nullptr);
+    EXPECT_EQ(mainWindow->quickAccessToolBar()->actions().size(), toolBarActions - 1);
+    EXPECT_EQ(mainWindow->fileMenu()->actions().size(), fileActions - 1);
+    EXPECT_EQ(theMovieExport, nullptr);
+
+    // Loading again builds everything anew.
+    load();
+    EXPECT_NE(manager->getDockWidget("Render Settings"), nullptr);
+    EXPECT_NE(manager->getQuickAccessAction("QuickRender"), nullptr);
+}
+
+TEST_F(WindowTest, WindowFillsWhatTheFormCannotHold)
+{
+    load();
+    oxRenderSettings* w = window();
+
+    // Combo boxes whose items carry user data.
+    auto expectItems = [](QComboBox* box, const auto& table) {
+        ASSERT_EQ(box->count(), static_cast<int>(table.size()));
+        for (int i = 0; i < box->count(); ++i) {
+            EXPECT_EQ(box->itemText(i), table[i].text);
+            EXPECT_EQ(box->itemData(i).toInt(), table[i].data);
+        }
+    };
+    expectItems(w->_filtertype, kPixelFilterItems);
+    expectItems(w->_denoiser_filter, kDenoiseFilterItems);
+    EXPECT_EQ(w->_filtertype->itemText(3), "Mitchell Netravali");
+    EXPECT_EQ(w->_denoiser_filter->itemData(1).toInt(), 2);
+    for (QComboBox* box :
+         {w->_render_mode, w->_interactiveQualityMode, w->_stillFrameQualityMode}) {
+        ASSERT_EQ(box->count(), 5);
+        EXPECT_EQ(box->itemText(0), "Precomputed");
+        EXPECT_EQ(box->itemData(0).toInt(), -1);
+        EXPECT_EQ(box->itemText(4), "Full Global Illumination");
+        EXPECT_EQ(box->itemData(4).toInt(), 3);
+    }
+
+    // Wheel ranges.
+    struct Wheel {
+        QOXWheelPrec* wheel;
+        double minimum;
+        double maximum;
+        double step;
+    };
+    for (const Wheel& wheel : {Wheel{w->_gammaSlider, 0.5, 3.0, 0.01},
+                               Wheel{w->_displayLuminanceSlider, 1.0, 10000.0, 1.0},
+                               Wheel{w->_sim2LuminanceMappingSlider, 0.01, 100000.0, 0.01},
+                               Wheel{w->_indirect_radius, 0.0, -1.0, 0.5},
+                               Wheel{w->_final_gather_radius, 0.00001, -1.0, 0.5}}) {
+        SCOPED_TRACE(wheel.wheel->objectName().toStdString());
+        EXPECT_DOUBLE_EQ(wheel.wheel->minimum(), wheel.minimum);
+        if (wheel.maximum > 0) {
+            EXPECT_DOUBLE_EQ(wheel.wheel->maximum(), wheel.maximum);
+        }
+        EXPECT_DOUBLE_EQ(wheel.wheel->singleStep(), wheel.step);
+    }
+    // The gamma field shows and keeps hundredths.
+    w->_gammaSlider->setValue(2.2);
+    EXPECT_DOUBLE_EQ(w->_gammaSlider->value(), 2.2);
+
+    // Spin boxes beside sliders have one fixed width.
+    int fixed = 0;
+    for (QSpinBox* box : w->findChildren<QSpinBox*>()) {
+        if (box->minimumWidth() != box->maximumWidth())
+            continue;
+        ++fixed;
+        EXPECT_EQ(box->minimumWidth(), w->_image_samples_spinbox->minimumWidth());
+    }
+    EXPECT_EQ(fixed, static_cast<int>(kSliderSpinBoxes.size()));
+    EXPECT_GE(w->_interactive_depth_spinbox->maximumHeight(),
+              w->_interactive_depth_spinbox->minimumHeight());
+
+    // Button group ids, tab bar, hidden basic section, members.
+    EXPECT_EQ(w->_time_or_samples_group->id(w->_use_time), 0);
+    EXPECT_EQ(w->_time_or_samples_group->id(w->_use_image_samples), 1);
+    EXPECT_FALSE(w->RenderSettingsTabWidget->tabBar()->expanding());
+    EXPECT_TRUE(w->_basic_trace_depth_settings->isHidden());
+    EXPECT_FALSE(w->_quality_override_groupbox->isHidden());
+    EXPECT_EQ(w->getWindowAction()->text(), "Render Settings");
+    EXPECT_FALSE(w->getWindowAction()->icon().isNull());
+    ASSERT_NE(w->getVariantSetTree(), nullptr);
+    EXPECT_EQ(w->_variantTreeLayout->indexOf(w->getVariantSetTree()), 0);
+    ASSERT_NE(w->getPresetGUI(), nullptr);
+    EXPECT_TRUE(w->getPresetActionGroup()->isExclusive());
+    EXPECT_FALSE(w->isGuiUpdateLocked());
+}
+
+TEST_F(WindowTest, RefreshRequestsCoalesceWithinOneTurn)
+{
+    load();
+    oxRenderSettings* w = window();
+    int statistics = 0;
+    int variants = 0;
+    QObject::connect(&w->getStatisticsTimer(), &QTimer::timeout, [&] { ++statistics; });
+    QObject::connect(&w->getVariantGuiTimer(), &QTimer::timeout, [&] { ++variants; });
+    for (int i = 0; i < 5; ++i) {
+        w->updateRenderStatistics();
+        w->updateVariantSetGUI();
+    }
+    EXPECT_TRUE(w->getStatisticsTimer().isSingleShot());
+    EXPECT_EQ(w->getStatisticsTimer().interval(), 0);
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(statistics, 1);
+    EXPECT_EQ(variants, 1);
+    w->updateRenderStatistics();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(statistics, 2);
+}
+
+TEST_F(WindowTest, SectionsLineUpAndFoldedContentsStayFolded)
+{
+    load();
+    oxRenderSettings* w = window();
+    // The first columns of the sections line up, on the render pass tabs too.
+    auto* imageGrid = qobject_cast<QGridLayout*>(w->_imageCFPage->layout());
+    auto* passGrid = qobject_cast<QGridLayout*>(w->combinedChannelsTab->layout());
+    ASSERT_TRUE(imageGrid && passGrid);
+    EXPECT_GE(imageGrid->columnMinimumWidth(0), 130);
+    EXPECT_GE(passGrid->columnMinimumWidth(0), 120);
+    EXPECT_LT(passGrid->columnMinimumWidth(0), imageGrid->columnMinimumWidth(0));
+    // A folded section hides its page; opening shows it.
+    EXPECT_TRUE(w->_clusterCF->isCollapsed());
+    EXPECT_TRUE(w->_clusterCFPage->isHidden());
+    w->_clusterCF->setCollapsed(false);
+    EXPECT_FALSE(w->_clusterCFPage->isHidden());
+    EXPECT_FALSE(w->_imageCFPage->isHidden());
+}
+
+TEST(HeadlessOxlinTest, BuildsTheDockedWindowOffscreenAndEnds)
+{
+    // The real program with its plug-ins, headless: the window is docked into the offscreen
+    // main window, and the run ends by itself.
+    oxTempDir prefs;
+    const oxProcessResult result =
+        oxRunProcess(std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin",
+                     {"--no-gui", "--prefs-dir", prefs.path(), "--trace-host-calls"}, 30000);
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::add(Render Settings)"), std::string::npos)
+        << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::addQuickAccessAction(QuickRender)"),
+              std::string::npos);
+    EXPECT_NE(result.out.find("oxMovieExport::~oxMovieExport"), std::string::npos);
+}
