@@ -11,6 +11,7 @@ find_package(TinyGLTF REQUIRED)
 find_package(nlohmann_json 3 REQUIRED)
 find_package(Threads REQUIRED)
 find_package(TBB REQUIRED)
+find_package(embree 3 REQUIRED)
 find_package(OpenImageIO REQUIRED)
 # Debian's OpenImageIO package names an include folder (opencv4) that isn't installed.
 get_target_property(_ox_oiio_includes OpenImageIO::OpenImageIO INTERFACE_INCLUDE_DIRECTORIES)

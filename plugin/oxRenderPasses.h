@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxImagePasses.h"
+
 #include <array>
 #include <cstddef>
 #include <string>
@@ -59,13 +61,14 @@ enum PassId : unsigned {
     PassGPUDepth = 46,
 };
 
-constexpr size_t kPassCount = 47;
+constexpr size_t kPassCount = oxImagePasses::count;
 
 /// Flags by pass id: empty (no override), one true (beauty only) or kPassCount flags.
 using ActivePassList = std::vector<bool>;
 
-/// The name of each pass id, as the writer names its files and layers.
-extern const std::array<const char*, kPassCount> kPassNames;
+/// The name of each pass id: the host's own naming table, by which its image writer names
+/// files and layers, so that the plug-in and the files it asks for can't disagree.
+inline const std::array<const char*, kPassCount>& kPassNames = oxImagePasses::names;
 
 // The settings record's pass flags, one row each, in the record's field order:
 //   X(enumName, field, sceneKey, slot, widget, twinWidget, label, scriptAlias, firstId, idCount)

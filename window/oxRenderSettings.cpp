@@ -19,20 +19,7 @@
 
 #include <cmath>
 
-const std::array<oxFormComboItem, 10> kPixelFilterItems = {{
-    {0, QT_TRANSLATE_NOOP("oxRenderSettings", "Box")},
-    {1, QT_TRANSLATE_NOOP("oxRenderSettings", "Triangle")},
-    {2, QT_TRANSLATE_NOOP("oxRenderSettings", "Gaussian")},
-    {3, QT_TRANSLATE_NOOP("oxRenderSettings", "Mitchell Netravali")},
-    {4, QT_TRANSLATE_NOOP("oxRenderSettings", "Lanczos")},
-    {5, QT_TRANSLATE_NOOP("oxRenderSettings", "BSpline")},
-    {6, QT_TRANSLATE_NOOP("oxRenderSettings", "Catmull Rom")},
-    {7, QT_TRANSLATE_NOOP("oxRenderSettings", "Sharp Triangle")},
-    {8, QT_TRANSLATE_NOOP("oxRenderSettings", "Sharp Gaussian")},
-    {9, QT_TRANSLATE_NOOP("oxRenderSettings", "Sharp BSpline")},
-}};
-
-const std::array<oxFormComboItem, 3> kDenoiseFilterItems = {{
+const std::array<oxPresetValueName, 3> kDenoiseFilterItems = {{
     {0, QT_TRANSLATE_NOOP("oxRenderSettings", "Off")},
     {2, QT_TRANSLATE_NOOP("oxRenderSettings", "Deep Learning Stillframe")},
     {3, QT_TRANSLATE_NOOP("oxRenderSettings", "Deep Learning Always")},
@@ -64,11 +51,12 @@ namespace {
 
 oxRenderSettings* gRenderSettings = nullptr;
 
-void fillCombo(QComboBox* box, const oxFormComboItem* begin, const oxFormComboItem* end)
+template <size_t N>
+void fillCombo(QComboBox* box, const std::array<oxPresetValueName, N>& items)
 {
     box->clear();
-    for (const oxFormComboItem* item = begin; item != end; ++item)
-        box->addItem(QCoreApplication::translate("oxRenderSettings", item->text), item->data);
+    for (const oxPresetValueName& item : items)
+        box->addItem(QCoreApplication::translate("oxRenderSettings", item.label), item.value);
 }
 
 // A request starts its timer only when it isn't running, so that any number of requests
@@ -146,8 +134,8 @@ void oxRenderSettings::setupWidgets()
         wheel->setSingleStep(range.singleStep);
     }
 
-    fillCombo(_filtertype, kPixelFilterItems.begin(), kPixelFilterItems.end());
-    fillCombo(_denoiser_filter, kDenoiseFilterItems.begin(), kDenoiseFilterItems.end());
+    fillCombo(_filtertype, kPixelFilterTypes);
+    fillCombo(_denoiser_filter, kDenoiseFilterItems);
     for (QComboBox* box : {_render_mode, _interactiveQualityMode, _stillFrameQualityMode})
         oxIlluminationModeComboBox::initLegacy(box);
 

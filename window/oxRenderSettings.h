@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxRenderSettingsPreset.h"
 #include "ui_oxRenderSettingsGUI.h"
 
 #include <QMainWindow>
@@ -40,6 +41,13 @@ public:
 
     bool isGuiUpdateLocked() const { return guiUpdateLock; }
 
+    /// The settings the window shows: the output fields live here, the raytracing fields are
+    /// a copy of the host's services.
+    oxRenderSettingsPreset& getCurrentPreset() { return currentPreset; }
+    /// The user's named presets and the render job presets, in insertion order.
+    oxRenderSettingsPresets& getPresets() { return presets; }
+    oxRenderSettingsPresets& getRQPresets() { return rqPresets; }
+
     QTimer& getVariantGuiTimer() { return variantGuiTimer; }
     QTimer& getStatisticsTimer() { return statisticsTimer; }
     QTimer& getVariantListTimer() { return variantListTimer; }
@@ -72,6 +80,9 @@ private:
     oxImageWriter* imageWriter = nullptr;
     bool regionSyncLock = false;
     bool guiUpdateLock = false;
+    oxRenderSettingsPreset currentPreset;
+    oxRenderSettingsPresets presets;
+    oxRenderSettingsPresets rqPresets;
     oxPresetGUII* presetGUI = nullptr;
     QActionGroup* presetActionGroup = nullptr;
     QTimer variantGuiTimer;

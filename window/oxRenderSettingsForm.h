@@ -1,20 +1,15 @@
 #pragma once
 
+#include "oxRenderSettingsPreset.h"
+
 #include <array>
 
 // Form facts that code fills in or sets after setupUi: the combo boxes whose items carry user
 // data, the ranges of the wheels, and the spin boxes of fixed size beside their sliders.
 
-/// An item of a combo box: its text and user data.
-struct oxFormComboItem {
-    int data;
-    const char* text;
-};
-
-/// _filtertype: the pixel filters, by filter type.
-extern const std::array<oxFormComboItem, 10> kPixelFilterItems;
-/// _denoiser_filter: the denoise filters (1, the legacy CPU denoiser, is gone).
-extern const std::array<oxFormComboItem, 3> kDenoiseFilterItems;
+/// _denoiser_filter: the denoise filters as the window names them (1, the legacy CPU
+/// denoiser, is gone). _filtertype shows the record's kPixelFilterTypes.
+extern const std::array<oxPresetValueName, 3> kDenoiseFilterItems;
 
 /// The range and step of a QOXWheelPrec.
 struct oxFormWheelRange {

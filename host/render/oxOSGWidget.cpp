@@ -23,15 +23,6 @@ oxServiceListeners& listeners()
     return l;
 }
 
-template <typename T>
-void assign(T& target, T value, const char* parameter)
-{
-    if (target == value)
-        return;
-    target = value;
-    listeners().notify(parameter);
-}
-
 } // namespace
 
 #define OX_OSG_WIDGET_DEFINE(type, name, start)                                                    \
@@ -39,7 +30,7 @@ void assign(T& target, T value, const char* parameter)
     void oxOSGWidget::set##name(type value)                                                        \
     {                                                                                              \
         oxTraceCall("oxOSGWidget::set" #name, value);                                              \
-        assign(state().name, value, #name);                                                        \
+        listeners().assign(state().name, value, #name);                                            \
     }
 OX_OSG_WIDGET_STATE(OX_OSG_WIDGET_DEFINE)
 #undef OX_OSG_WIDGET_DEFINE
@@ -47,7 +38,7 @@ OX_OSG_WIDGET_STATE(OX_OSG_WIDGET_DEFINE)
 void oxOSGWidget::enableStillDOF(bool enable)
 {
     oxTraceCall("oxOSGWidget::enableStillDOF", enable);
-    assign(state().stillDOF, enable, "StillDOF");
+    listeners().assign(state().stillDOF, enable, "StillDOF");
 }
 
 bool oxOSGWidget::isStillDOFEnabled() { return state().stillDOF; }
@@ -55,8 +46,8 @@ bool oxOSGWidget::isStillDOFEnabled() { return state().stillDOF; }
 void oxOSGWidget::setRaytracingMode(bool spectral, bool gpu)
 {
     oxTraceCall("oxOSGWidget::setRaytracingMode", spectral, gpu);
-    assign(state().spectral, spectral, "SpectralRaytracingMode");
-    assign(state().gpu, gpu, "GpuRaytracing");
+    listeners().assign(state().spectral, spectral, "SpectralRaytracingMode");
+    listeners().assign(state().gpu, gpu, "GpuRaytracing");
 }
 
 bool oxOSGWidget::getGpuRaytracing() { return state().gpu; }

@@ -20,15 +20,6 @@ oxServiceListeners& listeners()
     return l;
 }
 
-template <typename T>
-void assign(T& target, T value, const char* parameter)
-{
-    if (target == value)
-        return;
-    target = value;
-    listeners().notify(parameter);
-}
-
 } // namespace
 
 int oxPixelfilterFactory::getPixelFilterType() { return filter().type; }
@@ -38,19 +29,19 @@ float oxPixelfilterFactory::getPixelFilterHeight() { return filter().height; }
 void oxPixelfilterFactory::setPixelFilterType(int type)
 {
     oxTraceCall("oxPixelfilterFactory::setPixelFilterType", type);
-    assign(filter().type, type, "PixelFilterType");
+    listeners().assign(filter().type, type, "PixelFilterType");
 }
 
 void oxPixelfilterFactory::setPixelFilterWidth(float width)
 {
     oxTraceCall("oxPixelfilterFactory::setPixelFilterWidth", width);
-    assign(filter().width, width, "PixelFilterWidth");
+    listeners().assign(filter().width, width, "PixelFilterWidth");
 }
 
 void oxPixelfilterFactory::setPixelFilterHeight(float height)
 {
     oxTraceCall("oxPixelfilterFactory::setPixelFilterHeight", height);
-    assign(filter().height, height, "PixelFilterHeight");
+    listeners().assign(filter().height, height, "PixelFilterHeight");
 }
 
 void oxPixelfilterFactory::resetToDefaults() { filter() = Filter(); }

@@ -39,6 +39,16 @@ public:
     }
     void clear() { m_entries.clear(); }
 
+    /// Stores value in target and tells the listeners, when it is a change.
+    template <typename T>
+    void assign(T& target, T value, const char* parameter) const
+    {
+        if (target == value)
+            return;
+        target = value;
+        notify(parameter);
+    }
+
 private:
     int m_lastHandle = 0;
     std::vector<std::pair<int, Listener>> m_entries;

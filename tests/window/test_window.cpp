@@ -202,13 +202,21 @@ TEST_F(WindowTest, WindowFillsWhatTheFormCannotHold)
     auto expectItems = [](QComboBox* box, const auto& table) {
         ASSERT_EQ(box->count(), static_cast<int>(table.size()));
         for (int i = 0; i < box->count(); ++i) {
-            EXPECT_EQ(box->itemText(i), table[i].text);
-            EXPECT_EQ(box->itemData(i).toInt(), table[i].data);
+            EXPECT_EQ(box->itemText(i), table[i].label);
+            EXPECT_EQ(box->itemData(i).toInt(), table[i].value);
         }
     };
-    expectItems(w->_filtertype, kPixelFilterItems);
+    expectItems(w->_filtertype, kPixelFilterTypes);
     expectItems(w->_denoiser_filter, kDenoiseFilterItems);
     EXPECT_EQ(w->_filtertype->itemText(3), "Mitchell Netravali");
+    EXPECT_EQ(w->_denoiser_filter->itemText(1), "Deep Learning Stillframe");
+
+    // The window starts from a constructed record and empty preset lists.
+    EXPECT_TRUE(w->getCurrentPreset().useRaySplitting);
+    EXPECT_TRUE(w->getCurrentPreset().denoiseAlpha);
+    EXPECT_TRUE(w->getCurrentPreset().name.empty());
+    EXPECT_TRUE(w->getPresets().empty());
+    EXPECT_TRUE(w->getRQPresets().empty());
     EXPECT_EQ(w->_denoiser_filter->itemData(1).toInt(), 2);
     for (QComboBox* box :
          {w->_render_mode, w->_interactiveQualityMode, w->_stillFrameQualityMode}) {

@@ -1,0 +1,455 @@
+#include "oxFile.h"
+#include "oxImageRenderWidget.h"
+#include "oxImageWriter.h"
+#include "oxOSGImage.h"
+#include "oxPatternSource.h"
+#include "oxTestSupport.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <QDir>
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <set>
+
+using namespace OIIO;
+
+namespace {
+
+struct ReadBack {
+    ImageSpec spec;
+    std::vector<float> pixels;
+    bool ok = false;
+};
+
+ReadBack readImage(const std::string& path, int subimage = 0)
+{
+    ReadBack result;
+    ImageSpec config;
+    config.attribute("oiio:UnassociatedAlpha", 1); // the stored values, not premultiplied
+    auto in = ImageInput::open(path, &config);
+    if (!in)
+        return result;
+    if (subimage > 0 && !in->seek_subimage(subimage, 0))
+        return result;
+    result.spec = in->spec();
+    result.pixels.resize(result.spec.image_pixels() * size_t(result.spec.nchannels));
+    result.ok = in->read_image(subimage, 0, 0, result.spec.nchannels, TypeDesc::FLOAT,
+                               result.pixels.data());
+    return result;
+}
+
+std::set<std::string> filesIn(const std::string& folder)
+{
+    std::set<std::string> names;
+    for (const QString& name :
+         QDir(QString::fromStdString(folder)).entryList(QDir::Files | QDir::Hidden))
+        names.insert(name.toStdString());
+    return names;
+}
+
+std::set<std::string> fileNames(const QStringList& paths)
+{
+    std::set<std::string> names;
+    for (const QString& path : paths)
+        names.insert(QFileInfo(path).fileName().toStdString());
+    return names;
+}
+
+// Largest difference between the file and the pattern over the channels the file holds.
+float patternError(const ReadBack& image, unsigned pass, int frame, int channels)
+{
+    float worst = 0.0f;
+    const int n = image.spec.nchannels;
+    for (int y = 0; y < image.spec.height; ++y)
+        for (int x = 0; x < image.spec.width; ++x)
+            for (int c = 0; c < channels; ++c)
+                worst = std::max(
+                    worst, std::fabs(image.pixels[size_t((y * image.spec.width + x) * n + c)] -
+                                     oxPatternSource::value(x, y, c, pass, frame)));
+    return worst;
+}
+
+class ImageExport : public oxTest {
+protected:
+    void SetUp() override
+    {
+        oxImageRenderWidget::setActiveRenderPasses({});
+        writer.setNoOverwriteMessage(true);
+        writer.setNoProgress(true);
+    }
+    void TearDown() override
+    {
+        oxImageRenderWidget::setActiveRenderPasses({});
+        oxTest::TearDown();
+    }
+    void activate(const std::vector<unsigned>& ids)
+    {
+        std::vector<bool> flags(oxImagePasses::count, false);
+        for (unsigned id : ids)
+            flags[id] = true;
+        oxImageRenderWidget::setActiveRenderPasses(flags);
+    }
+
+    oxTempDir dir;
+    oxImageWriter writer;
+};
+
+} // namespace
+
+TEST_F(ImageExport, WithoutARendererFailsClearly)
+{
+    const std::string path = dir.file("a.png");
+    expectLog(oxLog::Error, "Image writer: can't render '" + path + "': no renderer is available.");
+    osg_image_file_handler_errno = 0;
+    EXPECT_FALSE(writer.exportImage(QString::fromStdString(path), 8, 8, 0, 1, 72.0f, false, "",
+                                    false, false));
+    EXPECT_NE(osg_image_file_handler_errno, 0);
+    EXPECT_TRUE(filesIn(dir.path()).empty());
+}
+
+TEST_F(ImageExport, UnknownFormatAndBadSizeAreRefused)
+{
+    oxPatternSource source;
+    const std::string bad = dir.file("a.xyz");
+    expectLog(oxLog::Error,
+              "Image writer: can't write '" + bad + "': the format 'xyz' is not supported.");
+    EXPECT_FALSE(writer.exportImage(QString::fromStdString(bad), 8, 8, 0, 1, 72.0f, false, "",
+                                    false, false));
+    const std::string empty = dir.file("a.png");
+    expectLog(oxLog::Error,
+              "Image writer: can't render '" + empty + "': the size 0x8 is not valid.");
+    EXPECT_FALSE(writer.exportImage(QString::fromStdString(empty), 0, 8, 0, 1, 72.0f, false, "",
+                                    false, false));
+    EXPECT_TRUE(source.requests.empty());
+}
+
+TEST_F(ImageExport, EveryWritableFormatRoundTripsPixelsAndAlpha)
+{
+    oxPatternSource source;
+    const std::set<std::string> lossy = {"jpeg", "webp", "heif", "gif", "jpeg2000"};
+    const std::set<std::string> formats = oxImageWriter::getFormatsOpenSG();
+    ASSERT_TRUE(formats.count("png") && formats.count("exr") && formats.count("tif") &&
+                formats.count("jpg"));
+    // Pseudo formats that make no image file are not offered.
+    EXPECT_FALSE(formats.count("null") || formats.count("term") || formats.count("zfile"));
+    std::set<std::string> tested;
+    for (const std::string& extension : formats) {
+        const std::string path = dir.file("rt." + extension);
+        ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 64, 48, 0, 1, 72.0f, false, "",
+                                       false, false))
+            << extension;
+        auto in = ImageInput::open(path);
+        ASSERT_TRUE(in) << extension;
+        const std::string format = in->format_name();
+        in.reset();
+        const ReadBack image = readImage(path);
+        ASSERT_TRUE(image.ok) << extension;
+        tested.insert(format);
+        EXPECT_EQ(image.spec.width, 64) << extension;
+        EXPECT_EQ(image.spec.height, 48) << extension;
+        const bool hasAlpha = ImageOutput::create(format)->supports("alpha") && format != "jpeg" &&
+                              format != "hdr" && format != "pnm";
+        EXPECT_EQ(image.spec.nchannels, hasAlpha ? 4 : 3) << extension;
+        const int channels = std::min(image.spec.nchannels, 4);
+        if (lossy.count(format)) {
+            // Lossy formats can't keep this noisy pattern pixel by pixel; each channel's mean
+            // shows that channels, order and levels survived.
+            // GIF's transparency is one bit; lossy WebP alters the colours of translucent
+            // pixels, so of its RGBA only the alpha is compared.
+            for (int c = format == "webp" ? 3 : 0; c < (format == "gif" ? 3 : channels); ++c) {
+                double got = 0.0, want = 0.0;
+                for (int p = 0; p < 64 * 48; ++p) {
+                    got += image.pixels[size_t(p * image.spec.nchannels + c)];
+                    want += oxPatternSource::value(p % 64, p / 64, c, 0, 0);
+                }
+                EXPECT_NEAR(got / (64 * 48), want / (64 * 48), 0.03) << extension << " " << c;
+            }
+        } else {
+            EXPECT_LE(patternError(image, 0, 0, channels), format == "hdr" ? 0.01f : 0.5f / 255.0f)
+                << extension;
+        }
+    }
+    EXPECT_GE(tested.size(), 10u);
+}
+
+TEST_F(ImageExport, AlphaOffWritesThreeChannels)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("opaque.png");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 8, 8, 0, 0, 72.0f, false, "",
+                                   false, false));
+    EXPECT_EQ(readImage(path).spec.nchannels, 3);
+    // -1 keeps the last setting.
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 8, 8, -1, -1, -1.0f, false, "",
+                                   false, false));
+    EXPECT_EQ(readImage(path).spec.nchannels, 3);
+    EXPECT_FALSE(source.requests.back().alpha);
+}
+
+TEST_F(ImageExport, ExrHalfAndFloat)
+{
+    oxPatternSource source;
+    const std::string half = dir.file("half.exr");
+    const std::string full = dir.file("float.exr");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(half), 16, 8, 0, 1, 72.0f, false, "",
+                                   false, false));
+    writer.setExportExrHalf(false);
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(full), 16, 8, 0, 1, 72.0f, false, "",
+                                   false, false));
+    const ReadBack h = readImage(half);
+    const ReadBack f = readImage(full);
+    EXPECT_EQ(h.spec.format, TypeDesc::HALF);
+    EXPECT_EQ(f.spec.format, TypeDesc::FLOAT);
+    EXPECT_LE(patternError(h, 0, 0, 4), 1e-3f);
+    EXPECT_EQ(patternError(f, 0, 0, 4), 0.0f);
+}
+
+TEST_F(ImageExport, TiffHDRWritesFloat)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("hdr.tif");
+    writer.setExportTiffHDR(true);
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, false, "",
+                                   false, false));
+    EXPECT_EQ(readImage(path).spec.format, TypeDesc::FLOAT);
+    writer.resetExportSettings();
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, false, "",
+                                   false, false));
+    EXPECT_EQ(readImage(path).spec.format, TypeDesc::UINT8);
+}
+
+TEST_F(ImageExport, MultiLayerExrHasAChannelSetPerPass)
+{
+    oxPatternSource source;
+    activate({0, 31, 34});
+    writer.setExportMultiLayer(true);
+    const std::string path = dir.file("layers.exr");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, true, "",
+                                   false, false));
+    EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"layers.exr"});
+    const ReadBack image = readImage(path);
+    ASSERT_TRUE(image.ok);
+    std::set<std::string> channels(image.spec.channelnames.begin(), image.spec.channelnames.end());
+    EXPECT_EQ(channels,
+              (std::set<std::string>{"beauty.R", "beauty.G", "beauty.B", "beauty.A", "albedo.R",
+                                     "albedo.G", "albedo.B", "albedo.A", "cryptoObject00.R",
+                                     "cryptoObject00.G", "cryptoObject00.B", "cryptoObject00.A"}));
+    // Ids keep all 32 bits although the colour layers are half floats.
+    const int n = image.spec.nchannels;
+    const auto at = std::find(image.spec.channelnames.begin(), image.spec.channelnames.end(),
+                              "cryptoObject00.R") -
+                    image.spec.channelnames.begin();
+    EXPECT_EQ(image.spec.channelformat(int(at)), TypeDesc::FLOAT);
+    EXPECT_EQ(image.pixels[size_t(at)], oxCryptomatte::idOf("/root/car"));
+    EXPECT_EQ(image.pixels[size_t(15 * n + at)], oxCryptomatte::idOf("/root/wheel"));
+    // The manifest decodes the id back to its object.
+    bool found = false;
+    for (const ParamValue& attribute : image.spec.extra_attribs)
+        if (attribute.name().string().find("/manifest") != std::string::npos) {
+            found = true;
+            EXPECT_NE(image.spec.get_string_attribute(attribute.name()).find("/root/wheel"),
+                      std::string::npos);
+        }
+    EXPECT_TRUE(found);
+}
+
+TEST_F(ImageExport, MultiLayerTiffHasASubimagePerPass)
+{
+    oxPatternSource source;
+    activate({0, 32});
+    writer.setExportMultiLayer(true);
+    const std::string path = dir.file("layers.tif");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, true, "",
+                                   false, false));
+    const ReadBack first = readImage(path, 0);
+    const ReadBack second = readImage(path, 1);
+    ASSERT_TRUE(first.ok && second.ok);
+    EXPECT_LE(patternError(first, 0, 0, 4), 0.5f / 255.0f);
+    EXPECT_LE(patternError(second, 32, 0, 4), 0.5f / 255.0f);
+}
+
+TEST_F(ImageExport, NamesReturnedAreTheFilesWritten)
+{
+    oxPatternSource source;
+    int round = 0;
+    for (bool passes : {false, true})
+        for (bool multiLayer : {false, true})
+            for (const char* extension : {"png", "exr"})
+                for (int kind = 0; kind < 3; ++kind) { // still, sequence, movie
+                    oxTempDir out;
+                    const bool movie = kind == 2;
+                    const QString path = QString::fromStdString(
+                        out.file("job" + std::to_string(round++) + "." +
+                                 (movie ? std::string("avi") : std::string(extension))));
+                    const std::vector<unsigned> ids = {0, 30, 37};
+                    activate(ids);
+                    writer.setExportMultiLayer(multiLayer);
+                    QStringList expected;
+                    bool ok = false;
+                    if (kind == 0) {
+                        expected = writer.getExportedImageFilenames(
+                            path, passes ? ids : std::vector<unsigned>(), multiLayer);
+                        ok = writer.exportImage(path, 8, 4, 0, 1, 72.0f, passes, "", false, false);
+                    } else if (kind == 1) {
+                        expected = writer.getExportedImageFilenames(
+                            path, passes ? ids : std::vector<unsigned>(), multiLayer, 1, 5, 2);
+                        ok = writer.exportImages(path, 8, 4, 25, 1, 5, 0, 1, passes, -1, "", 2,
+                                                 false);
+                    } else {
+                        expected = QStringList{path};
+                        ok = writer.exportAVI(path, 8, 4, 25, 1, 3, 0, -1, "", true);
+                    }
+                    ASSERT_TRUE(ok) << path.toStdString();
+                    EXPECT_EQ(filesIn(out.path()), fileNames(expected)) << path.toStdString();
+                }
+}
+
+TEST_F(ImageExport, SequencesRenderEachFrame)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("seq.png");
+    ASSERT_TRUE(writer.exportImages(QString::fromStdString(path), 8, 4, 25, 3, 7, 3, 1, false, 42,
+                                    "", 2, false));
+    ASSERT_EQ(source.requests.size(), 3u);
+    EXPECT_EQ(source.requests[1].frame, 5);
+    EXPECT_TRUE(source.requests[1].animation);
+    EXPECT_EQ(source.requests[1].motionBlurObjectId, 42);
+    EXPECT_EQ(source.requests[1].supersampling, 3);
+    EXPECT_LE(patternError(readImage(dir.file("seq.0005.png")), 0, 5, 4), 0.5f / 255.0f);
+    EXPECT_GE(oxImageWriter::getLastRenderTime(), 0.0);
+}
+
+TEST_F(ImageExport, CancelInASequenceLeavesOnlyCompleteFiles)
+{
+    oxPatternSource source;
+    source.beforeRender = [this](const oxRenderRequest& request) {
+        if (request.frame == 3)
+            writer.cancel();
+        return true;
+    };
+    const std::string path = dir.file("c.exr");
+    expectLog(oxLog::Info, "Image writer: export of '" + path + "' cancelled after frame 3.");
+    EXPECT_FALSE(writer.exportImages(QString::fromStdString(path), 8, 4, 25, 1, 6, 0, 1, false, -1,
+                                     "", 1, false));
+    EXPECT_TRUE(writer.wasExportCanceled());
+    EXPECT_EQ(filesIn(dir.path()),
+              (std::set<std::string>{"c.0001.exr", "c.0002.exr", "c.0003.exr"}));
+    for (const char* name : {"c.0001.exr", "c.0002.exr", "c.0003.exr"})
+        EXPECT_TRUE(readImage(dir.file(name)).ok) << name;
+
+    // Ctrl-C in headless mode does the same, and the next export starts afresh.
+    oxTempDir second;
+    source.beforeRender = [](const oxRenderRequest& request) {
+        if (request.frame == 2)
+            std::raise(SIGINT);
+        return true;
+    };
+    const std::string movie = second.file("m.avi");
+    expectLog(oxLog::Info, "Image writer: export of '" + movie + "' cancelled after frame 2.");
+    EXPECT_FALSE(writer.exportAVI(QString::fromStdString(movie), 8, 4, 25, 1, 5, 0, -1, "", true));
+    EXPECT_TRUE(writer.wasExportCanceled());
+    EXPECT_TRUE(filesIn(second.path()).empty());
+    source.beforeRender = nullptr;
+    EXPECT_TRUE(writer.exportImage(QString::fromStdString(second.file("ok.png")), 4, 4, 0, 1, 72.0f,
+                                   false, "", false, false));
+    EXPECT_FALSE(writer.wasExportCanceled());
+}
+
+TEST_F(ImageExport, AFailedRenderLeavesNoFile)
+{
+    oxPatternSource source;
+    source.beforeRender = [](const oxRenderRequest& request) { return request.frame != 2; };
+    const std::string path = dir.file("f.png");
+    expectLog(oxLog::Error,
+              "Image writer: rendering '" + dir.file("f.0002.png") + "' failed: test failure.");
+    EXPECT_FALSE(writer.exportImages(QString::fromStdString(path), 8, 4, 25, 1, 3, 0, 1, false, -1,
+                                     "", 1, false));
+    EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"f.0001.png"});
+}
+
+TEST_F(ImageExport, AFailedExportKeepsTheOldFileAndABadFolderIsReported)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("keep.png");
+    ASSERT_TRUE(oxFile::writeAtomically(path, "old"));
+    source.beforeRender = [](const oxRenderRequest&) { return false; };
+    expectLog(oxLog::Error, "Image writer: rendering '" + path + "' failed: test failure.");
+    EXPECT_FALSE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
+                                    false, false));
+    std::string data;
+    ASSERT_TRUE(oxFile::readAll(path, data));
+    EXPECT_EQ(data, "old");
+    EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"keep.png"});
+
+    const std::string inFile = path + "/sub/x.png";
+    expectLog(oxLog::Error,
+              "Image writer: can't create the folder '" + path + "/sub' for '" + inFile + "'.");
+    EXPECT_FALSE(writer.exportImage(QString::fromStdString(inFile), 4, 4, 0, 1, 72.0f, false, "",
+                                    false, false));
+}
+
+TEST_F(ImageExport, ExistingFilesAreOverwrittenHeadlessWithALogLine)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("o.png");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
+                                   false, false));
+    writer.setNoOverwriteMessage(false);
+    expectLog(oxLog::Info, "Image writer: overwriting '" + path + "'.");
+    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
+                                   false, false));
+}
+
+TEST_F(ImageExport, MovieHasTheFramesAndRate)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("movie.avi");
+    ASSERT_TRUE(writer.exportAVI(QString::fromStdString(path), 64, 48, 12, 1, 10, 0, -1, "", true));
+    const oxProcessResult probe =
+        oxRunProcess("ffprobe", {"-v", "error", "-count_frames", "-select_streams", "v:0",
+                                 "-show_entries", "stream=codec_name,nb_read_frames,r_frame_rate",
+                                 "-of", "default=noprint_wrappers=1", path});
+    ASSERT_EQ(probe.exitCode, 0) << probe.err;
+    EXPECT_NE(probe.out.find("codec_name=mjpeg"), std::string::npos) << probe.out;
+    EXPECT_NE(probe.out.find("r_frame_rate=12/1"), std::string::npos) << probe.out;
+    EXPECT_NE(probe.out.find("nb_read_frames=10"), std::string::npos) << probe.out;
+}
+
+TEST_F(ImageExport, FastSnapshots)
+{
+    oxPatternSource source;
+    const std::string path = dir.file("fast.png");
+    expectLog(oxLog::Error, "Image writer: can't write '" + path +
+                                "': fast snapshots were not initialised (exportImageFastInit).");
+    EXPECT_FALSE(writer.exportImageFast(QString::fromStdString(path)));
+    ASSERT_TRUE(writer.exportImageFastInit(20, 10, 1));
+    osg_image_file_handler_errno = 0;
+    EXPECT_TRUE(writer.exportImageFast(QString::fromStdString(path)));
+    EXPECT_EQ(osg_image_file_handler_errno, 0);
+    EXPECT_EQ(readImage(path).spec.width, 20);
+    EXPECT_EQ(source.requests.back().supersampling, 3);
+    writer.exportImageFastTerminate();
+    expectLog(oxLog::Error, "Image writer: can't write '" + path +
+                                "': fast snapshots were not initialised (exportImageFastInit).");
+    EXPECT_FALSE(writer.exportImageFast(QString::fromStdString(path)));
+}
+
+TEST_F(ImageExport, HeadlessProgressIsOnePlainLinePerImage)
+{
+    oxPatternSource source;
+    writer.setNoProgress(false);
+    const std::string path = dir.file("p.png");
+    testing::internal::CaptureStderr();
+    ASSERT_TRUE(writer.exportImages(QString::fromStdString(path), 4, 4, 25, 1, 2, 0, 1, false, -1,
+                                    "", 1, false));
+    const std::string err = testing::internal::GetCapturedStderr();
+    EXPECT_NE(err.find("Image writer: 1/2 written '" + dir.file("p.0001.png") + "', ETA "),
+              std::string::npos)
+        << err;
+    EXPECT_NE(err.find("Image writer: 2/2 written '" + dir.file("p.0002.png") + "', ETA 0 s\n"),
+              std::string::npos)
+        << err;
+}

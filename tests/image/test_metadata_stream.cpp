@@ -1,0 +1,236 @@
+#include "oxFile.h"
+#include "oxImageOutStream.h"
+#include "oxImageRenderWidget.h"
+#include "oxImageWriter.h"
+#include "oxMessage.h"
+#include "oxPatternSource.h"
+#include "oxTestSupport.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <QDir>
+
+#include <sstream>
+
+using namespace OIIO;
+
+namespace {
+
+std::unique_ptr<ImageInput> openImage(const std::string& path)
+{
+    ImageSpec config;
+    config.attribute("oiio:UnassociatedAlpha", 1);
+    return ImageInput::open(path, &config);
+}
+
+std::string fileText(const std::string& path)
+{
+    std::string data;
+    oxFile::readAll(path, data);
+    return data;
+}
+
+class ImageMetaData : public oxTest {
+protected:
+    void SetUp() override
+    {
+        savedMap = oxImageMetaData::getRenderSettingsXMPToMsgMap();
+        oxImageMetaData::getRenderSettingsXMPToMsgMap() = {{"pixelWidth", "ImageExport floatwidth"},
+                                                           {"animationFps", "MovieExport fps"}};
+        writer.setNoOverwriteMessage(true);
+        writer.setNoProgress(true);
+    }
+    void TearDown() override
+    {
+        oxImageMetaData::getRenderSettingsXMPToMsgMap() = savedMap;
+        oxImageOutStream::resetImageWriteFunctions();
+        oxImageOutStream::close();
+        oxImageRenderWidget::setActiveRenderPasses({});
+        oxTest::TearDown();
+    }
+    bool exportTo(const std::string& path)
+    {
+        return writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, false, "",
+                                  false, false);
+    }
+
+    std::map<std::string, std::string> savedMap;
+    oxPatternSource source;
+    oxTempDir dir;
+    oxImageWriter writer;
+};
+
+} // namespace
+
+TEST_F(ImageMetaData, XMPIsEmbeddedInPngJpegTiffAndExr)
+{
+    oxImageMetaData* meta = writer.getMetaData();
+    meta->setFileOutputImageSettings(1920, 1080, 300, 3, false, true, false, 1, 1, 1, 1, 9);
+    meta->setFileOutputAnimationSettings(true, 0, 0, "clip", 1, 9, 1, 30, false);
+    oxMessage passes;
+    passes.set("MovieExport beauty pass", true);
+    meta->setFileOutputRenderPasses(passes);
+    writer.setMetaDataFlags(oxImageMetaData::FILEOUTPUT_IMAGE_SETTINGS |
+                            oxImageMetaData::FILEOUTPUT_RENDERPASSES_SETTINGS |
+                            oxImageMetaData::CAMERA_SETTINGS);
+    for (const char* extension : {"png", "jpg", "tif", "exr"}) {
+        const std::string path = dir.file(std::string("meta.") + extension);
+        ASSERT_TRUE(exportTo(path)) << extension;
+        auto in = openImage(path);
+        ASSERT_TRUE(in) << extension; // the file stays valid with its packet
+        std::vector<float> pixels(16 * 8 * size_t(in->spec().nchannels));
+        EXPECT_TRUE(in->read_image(0, 0, 0, in->spec().nchannels, TypeDesc::FLOAT, pixels.data()))
+            << extension;
+        const std::string packet = std::string(extension) == "exr"
+                                       ? std::string(in->spec().get_string_attribute("xmp"))
+                                       : fileText(path);
+        EXPECT_NE(packet.find("<ox:pixelWidth>1920</ox:pixelWidth>"), std::string::npos)
+            << extension;
+        EXPECT_NE(packet.find("<rdf:li>MovieExport beauty pass=true</rdf:li>"), std::string::npos)
+            << extension;
+        EXPECT_NE(packet.find("<rdf:li>fov=45</rdf:li>"), std::string::npos) << extension;
+        // The animation group was not selected.
+        EXPECT_EQ(packet.find("animationFps"), std::string::npos) << extension;
+    }
+    writer.setMetaDataFlags(0);
+    ASSERT_TRUE(exportTo(dir.file("plain.png")));
+    EXPECT_EQ(fileText(dir.file("plain.png")).find("xmpmeta"), std::string::npos);
+}
+
+TEST_F(ImageMetaData, ICCProfilesAreEmbeddedWhereTheFormatHoldsThem)
+{
+    const std::string srgb = oxImageWriter::iccProfileData(1);
+    const std::string adobe = oxImageWriter::iccProfileData(2);
+    ASSERT_GT(srgb.size(), 128u);
+    ASSERT_GT(adobe.size(), 128u);
+    EXPECT_NE(srgb, adobe);
+    EXPECT_EQ(srgb.substr(36, 4), "acsp"); // the profile file signature
+    EXPECT_TRUE(oxImageWriter::iccProfileData(0).empty());
+
+    for (int profile : {1, 2}) {
+        writer.setICCProfile(profile);
+        for (const char* extension : {"png", "jpg", "tif"}) {
+            const std::string path = dir.file(std::string("icc.") + extension);
+            ASSERT_TRUE(exportTo(path)) << extension;
+            auto in = openImage(path);
+            ASSERT_TRUE(in);
+            const ParamValue* icc = in->spec().find_attribute("ICCProfile");
+            ASSERT_TRUE(icc) << extension;
+            const std::string& expected = profile == 1 ? srgb : adobe;
+            const std::string stored(static_cast<const char*>(icc->data()),
+                                     icc->type().size() * size_t(icc->nvalues()));
+            EXPECT_TRUE(stored == expected) << extension << " profile " << profile;
+        }
+    }
+    writer.setICCProfile(0);
+    ASSERT_TRUE(exportTo(dir.file("none.png")));
+    EXPECT_FALSE(openImage(dir.file("none.png"))->spec().find_attribute("ICCProfile"));
+}
+
+TEST_F(ImageMetaData, HandlerOptionsReachTheEncoder)
+{
+    osg::ImageFileHandler::the().setOptions("image/tiff", "compressionType=LZW");
+    ASSERT_TRUE(exportTo(dir.file("lzw.tif")));
+    EXPECT_EQ(openImage(dir.file("lzw.tif"))->spec().get_string_attribute("compression"), "lzw");
+    osg::ImageFileHandler::the().setOptions("image/tiff", "");
+
+    const unsigned saved = osg::PNGImageFileType::the().getQuality();
+    osg::PNGImageFileType::the().setQuality(0);
+    ASSERT_TRUE(exportTo(dir.file("raw.png")));
+    osg::PNGImageFileType::the().setQuality(9);
+    ASSERT_TRUE(exportTo(dir.file("small.png")));
+    osg::PNGImageFileType::the().setQuality(saved);
+    EXPECT_GT(fileText(dir.file("raw.png")).size(), fileText(dir.file("small.png")).size());
+}
+
+TEST_F(ImageMetaData, WriteFunctionsReceiveEveryImageAndNoFileIsMade)
+{
+    std::vector<std::string> names;
+    std::vector<size_t> layerCounts;
+    oxImageOutStream::setImageWriteFunctions(
+        [&](const osg::ImagePtr& image, const std::string& name) {
+            EXPECT_EQ(image->getWidth(), 16);
+            names.push_back(name);
+            layerCounts.push_back(1);
+            return true;
+        },
+        [&](osg::ImageFileType* type, const osg::ImagePtr& image, const std::string& name,
+            const std::vector<osg::ImagePtr>& layers) {
+            EXPECT_EQ(type->getMimeType(), "image/x-exr");
+            names.push_back(name);
+            layerCounts.push_back(layers.size());
+            // Asked for PNG, the EXR type encodes the first layer as PNG.
+            std::stringstream png;
+            EXPECT_TRUE(type->write(image, png, "image/png", layers, "beauty"));
+            EXPECT_EQ(png.str().substr(1, 3), "PNG");
+            std::stringstream exr;
+            EXPECT_TRUE(type->write(image, exr, "", layers, "beauty"));
+            EXPECT_EQ(exr.str().substr(0, 4), "\x76\x2f\x31\x01");
+            return true;
+        });
+    EXPECT_TRUE(oxImageWriter::isStreamOutput());
+    std::vector<bool> flags(oxImagePasses::count, false);
+    flags[0] = flags[33] = true;
+    oxImageRenderWidget::setActiveRenderPasses(flags);
+    const std::string png = dir.file("s.png");
+    ASSERT_TRUE(
+        writer.exportImage(QString::fromStdString(png), 16, 8, 0, 1, 72, true, "", false, false));
+    writer.setExportMultiLayer(true);
+    const std::string exr = dir.file("s.exr");
+    ASSERT_TRUE(
+        writer.exportImage(QString::fromStdString(exr), 16, 8, 0, 1, 72, true, "", false, false));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{dir.file("s.beauty.png"), dir.file("s.depth.png"), exr}));
+    EXPECT_EQ(layerCounts, (std::vector<size_t>{1, 1, 2}));
+    EXPECT_TRUE(QDir(QString::fromStdString(dir.path())).isEmpty());
+    oxImageOutStream::resetImageWriteFunctions();
+    EXPECT_FALSE(oxImageWriter::isStreamOutput());
+}
+
+TEST_F(ImageMetaData, OpenStreamEncodesByTheComposedName)
+{
+    std::stringstream buffer;
+    oxImageOutStream::openStream(buffer, "");
+    ASSERT_TRUE(writer.exportImage("diverted.JPEG", 16, 8, 3, 1, 72, false, "", false, false));
+    const std::string jpeg = buffer.str();
+    ASSERT_GT(jpeg.size(), 4u);
+    EXPECT_EQ(uint8_t(jpeg[0]), 0xff);
+    EXPECT_EQ(uint8_t(jpeg[1]), 0xd8);
+    buffer.str("");
+    ASSERT_TRUE(writer.exportImage("diverted.IMAGE/PNG", 16, 8, 3, 1, 72, false, "", false, false));
+    EXPECT_EQ(buffer.str().substr(1, 3), "PNG");
+    oxImageOutStream::close();
+    EXPECT_FALSE(QFileInfo::exists("diverted.JPEG"));
+}
+
+TEST_F(ImageMetaData, HandlerEncodesPngIntoAStream)
+{
+    std::vector<float> rgba(4 * 3 * 4, 0.25f);
+    auto image = std::make_shared<osg::Image>(4, 3, rgba, "beauty");
+    std::stringstream buffer;
+    osg_image_file_handler_errno = 1;
+    ASSERT_TRUE(osg::ImageFileHandler::the().write(image, buffer, "image/png"));
+    EXPECT_EQ(osg_image_file_handler_errno, 0);
+    const std::string png = buffer.str();
+    ASSERT_GT(png.size(), 24u);
+    EXPECT_EQ(png.substr(1, 3), "PNG");
+    EXPECT_EQ(uint8_t(png[19]), 4); // IHDR width
+    EXPECT_EQ(uint8_t(png[23]), 3); // IHDR height
+
+    // A file write while a stream is open lands in the stream, and no file is made.
+    std::stringstream redirected;
+    oxImageOutStream::openStream(redirected, "");
+    const std::string path = dir.file("handler.png");
+    ASSERT_TRUE(osg::ImageFileHandler::the().write(image, path));
+    oxImageOutStream::close();
+    EXPECT_EQ(redirected.str(), png);
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(path)));
+    ASSERT_TRUE(osg::ImageFileHandler::the().write(image, path));
+    EXPECT_TRUE(QFileInfo::exists(QString::fromStdString(path)));
+
+    auto wrong = std::make_shared<osg::Image>(4, 3, std::vector<float>(5), "bad");
+    expectLog(oxLog::Error, "Image writer: can't encode image/png: the image is empty or its "
+                            "layers differ in size.");
+    EXPECT_FALSE(osg::ImageFileHandler::the().write(wrong, buffer, "image/png"));
+    EXPECT_NE(osg_image_file_handler_errno, 0);
+}
