@@ -42,14 +42,22 @@ test-asan: deps $(ASAN_DIR)/build.ninja
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest $(CTEST_FLAGS) -j $(JOBS)
 
-# The main job on the built-in example: writes the example scene, then opens it headless with
-# the plug-ins and lists what it offers to a render job.
+# The main job on the built-in example: writes the example scene, opens it headless with the
+# plug-ins, lists what it offers to a render job and renders it (a PNG and a multi-layer EXR).
+DEMO_PASSES = beauty,albedo,normal,camera_normal,depth,position,view,occlusion,materialID,mask,$\
+    background_color,cryptoObject00,cryptoObject01,cryptoObject02,$\
+    cryptoMaterial00,cryptoMaterial01,cryptoMaterial02
 demo: build
 	@mkdir -p $(DEMO_DIR)
 	$(BUILD_DIR)/bin/oxlin --version
 	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs --list-plugins
 	$(BUILD_DIR)/bin/oxlin --write-example $(DEMO_DIR)/example
 	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp --list-scene
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp \
+	    --snapshot $(DEMO_DIR)/showroom.png --size 640x360
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp \
+	    --snapshot $(DEMO_DIR)/showroom_passes.exr --size 640x360 --samples 16 \
+	    --view "Rear Three-Quarter" --passes $(DEMO_PASSES)
 
 # Offscreen PNGs of the Render Settings window for review, in $(BUILD_DIR)/screenshots.
 screenshots: build

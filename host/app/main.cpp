@@ -5,22 +5,31 @@
 #include "oxController.h"
 #include "oxExampleScene.h"
 #include "oxFileIO.h"
+#include "oxImagePasses.h"
+#include "oxImageRenderWidget.h"
+#include "oxImageSource.h"
+#include "oxImageWriter.h"
 #include "oxLog.h"
 #include "oxMainWindow.h"
 #include "oxMessage.h"
 #include "oxPlatform.h"
 #include "oxPluginLoader.h"
 #include "oxPreferences.h"
+#include "oxRaytracerSource.h"
+#include "oxRenderParameter.h"
 #include "oxScene.h"
 #include "oxSceneIO.h"
+#include "oxSceneServices.h"
 
 #include <QApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -42,6 +51,12 @@ const char kUsage[] =
     "  --write-example DIR   write the example scene (showroom.gltf, .bin, .oxp) to DIR and exit\n"
     "  --list-scene          print the scene's cameras, viewpoints, tracks, clips, variant sets,\n"
     "                        materials and lights, and exit\n"
+    "  --snapshot OUT        render the current view headless into the image OUT and exit\n"
+    "  --size WxH            size of the snapshot (default 1280x720)\n"
+    "  --passes LIST         comma-separated render passes of the snapshot (beauty, depth, ...);\n"
+    "                        one file per pass, or one multi-layer file for EXR\n"
+    "  --view NAME           render through the camera or viewpoint NAME\n"
+    "  --samples N           samples per pixel of the snapshot (default: the image samples)\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -57,6 +72,11 @@ struct Options {
     std::string exampleDir;
     bool listScene = false;
     std::string sceneFile;
+    std::string snapshot;
+    std::string size;
+    std::string passes;
+    std::string view;
+    std::string samples;
 };
 
 // Parses argv; false with a message on standard error for anything it doesn't know.
@@ -99,6 +119,15 @@ bool parseOptions(int argc, char** argv, Options& options)
                 return false;
         } else if (arg == "--list-scene") {
             options.listScene = true;
+        } else if (arg == "--snapshot" || arg == "--size" || arg == "--passes" || arg == "--view" ||
+                   arg == "--samples") {
+            std::string& target = arg == "--snapshot" ? options.snapshot
+                                  : arg == "--size"   ? options.size
+                                  : arg == "--passes" ? options.passes
+                                  : arg == "--view"   ? options.view
+                                                      : options.samples;
+            if (!value(target))
+                return false;
         } else if (!arg.empty() && arg[0] != '-' && options.sceneFile.empty()) {
             options.sceneFile = arg;
         } else {
@@ -145,6 +174,87 @@ void newScene()
     oxController::broadcastMessage(message);
 }
 
+// Renders the current (or named) view through the image writer; the exit status of oxlin.
+int renderSnapshot(const Options& options)
+{
+    int width = 1280, height = 720;
+    if (!options.size.empty()) {
+        char separator = 0;
+        char rest = 0;
+        if (std::sscanf(options.size.c_str(), "%d%c%d%c", &width, &separator, &height, &rest) !=
+                3 ||
+            separator != 'x' || width <= 0 || height <= 0 || width > 32768 || height > 32768) {
+            std::fprintf(stderr,
+                         "oxlin: bad size '%s' for --snapshot (expected WxH, e.g. 640x360)\n",
+                         options.size.c_str());
+            return 2;
+        }
+    }
+    if (!options.samples.empty()) {
+        char* end = nullptr;
+        const long samples = std::strtol(options.samples.c_str(), &end, 10);
+        if (*end != '\0' || samples < 1 || samples > 65536) {
+            std::fprintf(stderr, "oxlin: bad sample count '%s' (expected 1 to 65536)\n",
+                         options.samples.c_str());
+            return 2;
+        }
+        oxRenderParameter::setImageSamples(int(samples));
+    }
+    if (!options.view.empty()) {
+        osg::NodePtr node = oxNodeUtils::findNode(oxScene::current().getCameraRoot(), options.view);
+        const bool activated = node && (oxNodeUtils::isViewpoint(node)
+                                            ? oxCameraService::the()->activateViewpoint(node)
+                                            : oxNodeUtils::isCamera(node) &&
+                                                  oxCameraService::the()->activateCamera(node));
+        if (!activated) {
+            std::fprintf(stderr, "oxlin: the scene has no camera or viewpoint named '%s'\n",
+                         options.view.c_str());
+            return 1;
+        }
+    }
+    const bool passes = !options.passes.empty();
+    std::vector<unsigned> passIds;
+    if (passes) {
+        std::vector<bool> flags(oxImagePasses::count, false);
+        const QStringList names = QString::fromStdString(options.passes).split(',');
+        for (const QString& name : names) {
+            const std::string wanted = name.trimmed().toStdString();
+            const auto found =
+                std::find_if(oxImagePasses::names.begin(), oxImagePasses::names.end(),
+                             [&](const char* known) { return wanted == known; });
+            if (found == oxImagePasses::names.end()) {
+                std::fprintf(stderr,
+                             "oxlin: unknown render pass '%s'; the passes are:", wanted.c_str());
+                for (const char* known : oxImagePasses::names)
+                    std::fprintf(stderr, " %s", known);
+                std::fputc('\n', stderr);
+                return 2;
+            }
+            const auto id = unsigned(found - oxImagePasses::names.begin());
+            if (!flags[id])
+                passIds.push_back(id);
+            flags[id] = true;
+        }
+        std::sort(passIds.begin(), passIds.end());
+        oxImageRenderWidget::setActiveRenderPasses(flags);
+    }
+
+    const QString output = QString::fromStdString(options.snapshot);
+    oxImageWriter writer;
+    writer.setNoOverwriteMessage(true);
+    writer.setNoShowImage(true);
+    writer.setExportMultiLayer(passes && oxImageWriter::isMultilayerSupported(output));
+    if (!writer.exportImage(output, width, height, 3, 0, -1.0f, passes, QString(), false, false)) {
+        std::fprintf(stderr, "oxlin: can't render the snapshot '%s' (see the log above)\n",
+                     options.snapshot.c_str());
+        return 1;
+    }
+    for (const QString& name :
+         writer.getExportedImageFilenames(output, passIds, writer.getExportMultiLayer()))
+        std::printf("Wrote '%s'.\n", name.toUtf8().constData());
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -173,6 +283,8 @@ int main(int argc, char** argv)
         return 0;
     }
 
+    if (!options.snapshot.empty())
+        options.noGUI = true;
     if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
         ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
@@ -197,6 +309,8 @@ int main(int argc, char** argv)
     oxPreferences::load();
 
     auto mainWindow = std::make_unique<oxMainWindow>();
+    // Exports render the current scene with the host's raytracer.
+    oxImageSource::setCurrent(&oxRaytracerSource::the());
 
     const std::string pluginDir =
         options.pluginDir.empty() ? oxPluginLoader::defaultPluginDir() : options.pluginDir;
@@ -210,7 +324,9 @@ int main(int argc, char** argv)
         if (!options.sceneFile.empty() && !oxSceneIO::open(options.sceneFile) &&
             (options.noGUI || options.listScene))
             result = 1;
-        if (result == 0 && options.listScene) {
+        if (result == 0 && !options.snapshot.empty()) {
+            result = renderSnapshot(options);
+        } else if (result == 0 && options.listScene) {
             std::fputs(oxSceneIO::describe(oxScene::current()).c_str(), stdout);
             std::fflush(stdout);
         } else if (result == 0 && !options.noGUI) {
@@ -223,6 +339,7 @@ int main(int argc, char** argv)
 
     // Plug-ins go first: their objects may refer to the main window and need the application.
     oxPluginLoader::unloadAll();
+    oxImageSource::setCurrent(nullptr);
     mainWindow.reset();
     oxLog::setLogFile(std::string());
     return result;

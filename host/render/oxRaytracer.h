@@ -1,0 +1,106 @@
+#pragma once
+
+#include "oxRenderParameter.h"
+
+#include <array>
+#include <cmath>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+class oxScene;
+struct oxSceneSnapshot;
+struct oxRenderedImage;
+
+/// A pinhole camera as the raytracer shoots its primary rays: pixel (x, y) of a width x height
+/// image, top row first, sub-pixel position (sx, sy) in [0, 1).
+struct oxRaytracerCamera {
+    std::array<float, 3> origin{0, 0, 0};
+    std::array<float, 3> right{1, 0, 0};    ///< scaled to half the image plane's width
+    std::array<float, 3> up{0, 1, 0};       ///< scaled to half the image plane's height
+    std::array<float, 3> forward{0, 0, -1}; ///< unit length
+    int width = 1;
+    int height = 1;
+    float nearDistance = 0.0f;
+    float farDistance = 1e30f;
+
+    /// The camera of the snapshot (a default one looking down -Z when it has none).
+    static oxRaytracerCamera fromSnapshot(const oxSceneSnapshot& snapshot, int width, int height);
+    /// The unit direction through a point of the image.
+    std::array<float, 3> direction(float x, float y) const
+    {
+        const float ndcX = 2.0f * x / float(width) - 1.0f;
+        const float ndcY = 1.0f - 2.0f * y / float(height);
+        std::array<float, 3> d;
+        for (size_t i = 0; i < 3; ++i)
+            d[i] = forward[i] + right[i] * ndcX + up[i] * ndcY;
+        const float inverse = 1.0f / std::sqrt(d[0] * d[0] + d[1] * d[1] + d[2] * d[2]);
+        for (float& c : d)
+            c *= inverse;
+        return d;
+    }
+};
+
+/// The host's raytracer: Embree over the triangles of the current scene, shaded in parallel
+/// tiles. Renders every pass id of the host's naming table that isHostPass accepts.
+///
+/// A render is a pure function of the scene, the settings and the sample offset: pixels are
+/// sampled from a hash of (pixel, sample, dimension), never from shared random state, so two
+/// renders of the same state are bit-identical whatever the number of threads.
+class oxRaytracer {
+public:
+    /// The pixel filters by id, as the pixel filter store keys them (0 box ... 9 sharp B-spline).
+    static constexpr int pixelFilterCount = 10;
+
+    /// What one render needs beside the scene.
+    struct Settings {
+        int width = 0;
+        int height = 0;
+        std::vector<unsigned> passIds{0};
+        int samples = 1;
+        int filterType = 7;
+        float filterWidth = 1.0f;
+        float filterHeight = 1.0f;
+        /// Relative, y up: x start, y start, x end, y end.
+        oxRenderRegion region{0.0f, 0.0f, 1.0f, 1.0f};
+        bool alpha = false;
+        std::array<float, 3> alphaColor{1.0f, 1.0f, 1.0f};
+        bool premultiply = false;
+        bool clamping = true;
+        float clampValue = 16.0f;
+        int sampleOffset = 0;
+
+        /// The settings of the host's parameter store, pixel filter and premultiplication
+        /// switch for an image of that size, with one sample or the store's image samples.
+        static Settings fromHost(int width, int height, bool fullSamples);
+    };
+
+    oxRaytracer();
+    ~oxRaytracer();
+    oxRaytracer(const oxRaytracer&) = delete;
+    oxRaytracer& operator=(const oxRaytracer&) = delete;
+
+    /// The raytracer of the host's image exports.
+    static oxRaytracer& the();
+
+    /// Whether alpha images are written with premultiplied colour. Records the call.
+    static void setPremultiply(bool premultiply);
+    static bool getPremultiply();
+
+    /// True for the pass ids this raytracer renders.
+    static bool isHostPass(unsigned passId);
+
+    /// Renders scene's active camera into image, one pass per settings.passIds. False with
+    /// error set for bad settings or a pass it doesn't render; image is then unchanged.
+    bool render(const oxScene& scene, const Settings& settings, oxRenderedImage& image,
+                std::string& error);
+
+    /// How often the acceleration structure was built: once per scene change.
+    int getBuildCount() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+    mutable std::mutex m_mutex;
+};
