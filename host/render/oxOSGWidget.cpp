@@ -1,5 +1,8 @@
 #include "oxOSGWidget.h"
 
+#include "oxImageWriter.h"
+#include "oxLog.h"
+
 namespace {
 
 struct State {
@@ -61,3 +64,28 @@ int oxOSGWidget::addListener(oxServiceListeners::Listener listener)
 }
 
 void oxOSGWidget::removeListener(int handle) { listeners().remove(handle); }
+
+oxOSGWidget* oxOSGWidget::getMGLW(int index)
+{
+    // The main view has no state of its own beyond the statics above; one object stands for it.
+    static oxOSGWidget mainView;
+    return (index == -1 || index == 0) ? &mainView : nullptr;
+}
+
+bool oxOSGWidget::writeImage(oxOSGWidget* widget, const QString& fileName)
+{
+    oxTraceCall("oxOSGWidget::writeImage", fileName.toStdString());
+    if (!widget) {
+        oxLog::error("Render view: no view to write '%s' from.", fileName.toUtf8().constData());
+        return false;
+    }
+    // The view's own image: its size, its full sample count, no passes and no dialogs.
+    oxImageWriter writer;
+    writer.setNoOverwriteMessage(true);
+    writer.setNoShowImage(true);
+    writer.setNoProgress(true);
+    if (getRGB16F())
+        writer.setExportExrHalf(true);
+    return writer.exportImage(fileName, getViewWidth(), getViewHeight(), 3, 0, -1.0f, false,
+                              QString(), false, false);
+}

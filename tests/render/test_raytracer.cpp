@@ -4,6 +4,7 @@
 #include "oxFile.h"
 #include "oxImagePasses.h"
 #include "oxImageSource.h"
+#include "oxOSGWidget.h"
 #include "oxPixelfilterFactory.h"
 #include "oxRaytracer.h"
 #include "oxRaytracerSource.h"
@@ -436,3 +437,41 @@ TEST_F(oxRaytracerTest, SnapshotCommandFailsOnPassesNotRenderedYet)
 }
 
 } // namespace
+
+TEST_F(oxRaytracerTest, RenderViewWritesWhatItShows)
+{
+    auto example = std::make_unique<oxScene>();
+    std::string error;
+    ASSERT_TRUE(oxExampleScene::build(*example, error)) << error;
+    std::unique_ptr<oxScene> previous = oxScene::replaceCurrent(std::move(example));
+    oxImageSource* previousSource = oxImageSource::current();
+    oxImageSource::setCurrent(&oxRaytracerSource::the());
+    oxOSGWidget::setViewWidth(40);
+    oxOSGWidget::setViewHeight(30);
+    oxOSGWidget::setImageSamples(2);
+
+    oxTempDir dir;
+    oxOSGWidget* view = oxOSGWidget::getMGLW(-1);
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(oxOSGWidget::getMGLW(1), nullptr);
+    const std::string png = dir.file("snapshot.png");
+    ASSERT_TRUE(oxOSGWidget::writeImage(view, QString::fromStdString(png)));
+    auto input = OIIO::ImageInput::open(png);
+    ASSERT_TRUE(input);
+    EXPECT_EQ(input->spec().width, 40);
+    EXPECT_EQ(input->spec().height, 30);
+    input->close();
+
+    // A floating point view keeps its values in EXR.
+    oxOSGWidget::setRGB16F(true);
+    const std::string exr = dir.file("snapshot.exr");
+    ASSERT_TRUE(oxOSGWidget::writeImage(view, QString::fromStdString(exr)));
+    input = OIIO::ImageInput::open(exr);
+    ASSERT_TRUE(input);
+    EXPECT_EQ(input->spec().format, OIIO::TypeDesc::HALF);
+    input->close();
+
+    oxOSGWidget::resetToDefaults();
+    oxImageSource::setCurrent(previousSource);
+    oxScene::replaceCurrent(std::move(previous));
+}
