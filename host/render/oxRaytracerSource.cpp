@@ -3,6 +3,8 @@
 #include "oxRaytracer.h"
 #include "oxScene.h"
 
+#include <algorithm>
+
 oxRaytracerSource& oxRaytracerSource::the()
 {
     static oxRaytracerSource source;
@@ -24,5 +26,33 @@ bool oxRaytracerSource::render(const oxRenderRequest& request, oxRenderedImage& 
     settings.passIds = request.passIds;
     settings.alpha = request.alpha;
     settings.alphaColor = {request.alphaColor[0], request.alphaColor[1], request.alphaColor[2]};
-    return oxRaytracer::the().render(scene, settings, image, error);
+    if (!oxRaytracer::the().render(scene, settings, image, error))
+        return false;
+    if (request.tonemapHDR) {
+        float whitepoint = 1.0f;
+        if (osg::NodePtr camera = scene.getActiveCamera())
+            if (const auto* core = camera->getCoreAs<osg::UberCameraBase>())
+                if (const osg::TonemappingSettingsBase* tonemapping =
+                        core->getTonemappingSettings())
+                    whitepoint = tonemapping->getWhitepoint();
+        for (oxRenderedPass& pass : image.passes)
+            if (pass.passId == 0)
+                oxRaytracerSource::tonemap(pass.rgba, whitepoint);
+    }
+    return true;
+}
+
+void oxRaytracerSource::tonemap(std::vector<float>& rgba, float whitepoint)
+{
+    // Extended Reinhard: values at the camera's white point map to 1, so a high dynamic range
+    // file holds what the display shows. Colours are mapped before their alpha is applied.
+    const float white2 = std::max(whitepoint, 1e-4f) * std::max(whitepoint, 1e-4f);
+    for (size_t i = 0; i + 3 < rgba.size(); i += 4) {
+        const float alpha = rgba[i + 3];
+        const float cover = alpha > 0.0f ? alpha : 1.0f;
+        for (size_t c = 0; c < 3; ++c) {
+            const float value = std::max(rgba[i + c] / cover, 0.0f);
+            rgba[i + c] = value * (1.0f + value / white2) / (1.0f + value) * cover;
+        }
+    }
 }

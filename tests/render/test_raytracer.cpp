@@ -475,3 +475,16 @@ TEST_F(oxRaytracerTest, RenderViewWritesWhatItShows)
     oxImageSource::setCurrent(previousSource);
     oxScene::replaceCurrent(std::move(previous));
 }
+
+TEST(oxRaytracerToneMapping, WhitePointMapsToOneAndAlphaStays)
+{
+    std::vector<float> rgba = {4.0f, 1.0f, 0.0f, 1.0f, /* half covered: */ 2.0f, 0.5f, 0.0f, 0.5f};
+    oxRaytracerSource::tonemap(rgba, 4.0f);
+    EXPECT_FLOAT_EQ(rgba[0], 1.0f);                                // the white point
+    EXPECT_FLOAT_EQ(rgba[1], 1.0f * (1.0f + 1.0f / 16.0f) / 2.0f); // below it: compressed
+    EXPECT_FLOAT_EQ(rgba[2], 0.0f);
+    EXPECT_FLOAT_EQ(rgba[3], 1.0f);
+    // A half covered pixel maps its colour, not its premultiplied value.
+    EXPECT_FLOAT_EQ(rgba[4], 0.5f);
+    EXPECT_FLOAT_EQ(rgba[7], 0.5f);
+}
