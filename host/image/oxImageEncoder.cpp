@@ -306,6 +306,19 @@ std::string pendingErrors(ImageOutput& out)
     return kept;
 }
 
+// Closes out; some writers report a failed encode only as a pending error after a
+// "successful" close, so both count.
+bool closeChecked(ImageOutput& out, std::string& error)
+{
+    const bool closed = out.close();
+    error = pendingErrors(out);
+    if (!closed || !error.empty()) {
+        error = describe(error);
+        return false;
+    }
+    return true;
+}
+
 // Writes through an open output; the data of each subimage comes from one layer.
 bool writeLayers(ImageOutput& out, const std::string& target, const std::string& format, int width,
                  int height, const std::vector<oxImageLayer>& layers,
@@ -347,13 +360,7 @@ bool writeLayers(ImageOutput& out, const std::string& target, const std::string&
             error = describe(out.geterror());
             return false;
         }
-        const bool closed = out.close();
-        error = pendingErrors(out);
-        if (!closed || !error.empty()) {
-            error = describe(error);
-            return false;
-        }
-        return true;
+        return closeChecked(out, error);
     }
 
     const bool subimages = settings.multiLayer && format == "tiff" && layers.size() > 1;
@@ -385,14 +392,7 @@ bool writeLayers(ImageOutput& out, const std::string& target, const std::string&
             return false;
         }
     }
-    // Some writers report a failed encode only as a pending error after a "successful" close.
-    const bool closed = out.close();
-    error = pendingErrors(out);
-    if (!closed || !error.empty()) {
-        error = describe(error);
-        return false;
-    }
-    return true;
+    return closeChecked(out, error);
 }
 
 } // namespace
