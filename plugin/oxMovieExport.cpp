@@ -9,6 +9,7 @@
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageHelpers.h"
+#include "oxMovieExportCallbacks.h"
 #include "oxPlatform.h"
 #include "oxRenderSettings.h"
 
@@ -41,8 +42,12 @@ oxMovieExport::oxMovieExport() : oxModuleBase("MovieExport", "IGNORE", kModuleFl
     theMovieExport = this;
     try {
         createWindow();
+        renderSettingsWindow->loadDefaultSettings(false);
+        connectWindow();
+        dressFileChooser();
         dockWindow();
         createActions();
+        registerCallbacks();
         QOXCollapsibleFrame::fixLayouts(renderSettingsWindow, kSectionLabelWidth, nullptr);
         for (QWidget* tab :
              {static_cast<QWidget*>(renderSettingsWindow->RenderpassesTab),
@@ -63,7 +68,29 @@ void oxMovieExport::createWindow()
 {
     renderSettingsWindow =
         new oxRenderSettings(QStringLiteral("Render Settings"), imageWriter, this);
+}
 
+void oxMovieExport::connectWindow()
+{
+    oxRenderSettings* window = renderSettingsWindow;
+    connect(window->_render, &QPushButton::clicked, this, &oxMovieExport::clickedRender);
+    connect(window->_addToRenderQueue, &QPushButton::clicked, this,
+            &oxMovieExport::clickedAddToRenderQueue);
+    connect(window->_sendToClusterQueue, &QPushButton::clicked, this,
+            &oxMovieExport::clickedSendToClusterQueue);
+    connect(window, &oxRenderSettings::renderQueuePresetApplied, this,
+            &oxMovieExport::applyFirstSettings);
+    connect(window->_choose_filename, &QPushButton::clicked, this, &oxMovieExport::openFileDialog);
+}
+
+void oxMovieExport::registerCallbacks()
+{
+    for (const oxMovieExportCallback& callback : kMovieExportCallbacks)
+        oxController::addCB(callback.name, callback.function);
+}
+
+void oxMovieExport::dressFileChooser()
+{
     // The file chooser is an icon button of the host's medium icon size.
     QPushButton* chooser = renderSettingsWindow->_choose_filename;
     const QSize iconSize(oxPlatform::getMediumIconSizeX(), oxPlatform::getMediumIconSizeY());
@@ -97,6 +124,7 @@ void oxMovieExport::createActions()
         oxIconManager::getIcon(QStringLiteral("StartRendering"), QString()), tr("Render"), this);
     quickRender->setIconText(tr("Render"));
     quickRender->setToolTip(tr("Renders with actual export settings"));
+    connect(quickRender, &QAction::triggered, this, &oxMovieExport::clickedRender);
     if (QOXDockWindowManager* manager = oxController::getDockWindowManager())
         manager->addQuickAccessAction(quickRender, QString::fromLatin1(kQuickRenderName));
     else
@@ -110,6 +138,7 @@ void oxMovieExport::createActions()
                     tr("Export Snapshot"), this);
     exportSnapshotAction->setObjectName(QStringLiteral("Export Snapshot"));
     exportSnapshotAction->setShortcut(QKeySequence(QKeySequence::Print));
+    connect(exportSnapshotAction, &QAction::triggered, this, &oxMovieExport::exportSnapshot);
     QMenu* exportMenu = oxController::getMenu("Export");
     if (!exportMenu)
         return;
@@ -143,6 +172,8 @@ oxMovieExport::~oxMovieExport()
     if (QCoreApplication::instance())
         delete renderSettingsWindow.data();
     renderSettingsWindow = nullptr;
+    for (const oxMovieExportCallback& callback : kMovieExportCallbacks)
+        oxController::subCB(callback.name, callback.function);
     if (theMovieExport == this)
         theMovieExport = nullptr;
 }
@@ -162,14 +193,32 @@ int oxMovieExport::receivedMessage(oxMessage& message)
 void oxMovieExport::handleMessage(oxMessage& message)
 {
     switch (message.id()) {
-    case oxController::MessageProjectReadWrite: {
-        bool loading = false;
-        if (!getFromMessage(oxFileIO::getProject(), "_loading", loading))
+    case oxController::MessageRefresh:
+        if (!renderSettingsWindow)
             return;
-        // The settings' life in the project arrives with the Render Settings window.
+        renderSettingsWindow->updateGUI();
+        if (renderSettingsWindow->isVisible())
+            renderSettingsWindow->_view->update();
+        return;
+    case oxController::MessageProjectReadWrite: {
+        oxMessage& project = oxFileIO::getProject();
+        bool loading = false;
+        if (!getFromMessage(project, "_loading", loading) || !renderSettingsWindow)
+            return;
+        if (loading) {
+            renderSettingsWindow->loadSettings(project);
+            const oxRenderSettingsPreset& settings = renderSettingsWindow->getCurrentPreset();
+            imageWriter->setExportTiffHDR(settings.tiffHDR);
+            imageWriter->setExportExrHalf(settings.exrHalf);
+            imageWriter->setExportMultiLayer(settings.multiLayer);
+        } else {
+            renderSettingsWindow->saveSettings(project);
+        }
         return;
     }
     case oxController::MessageNewScene:
+        if (renderSettingsWindow)
+            renderSettingsWindow->loadDefaultSettings(true);
         imageWriter->resetExportSettings();
         return;
     default:

@@ -1,6 +1,7 @@
 #include "oxRenderSettings.h"
 
 #include "QOXDockWindowManager.h"
+#include "QOXMultiLevelComboBox.h"
 #include "oxController.h"
 #include "oxIconManager.h"
 #include "oxIlluminationModeComboBox.h"
@@ -8,7 +9,10 @@
 #include "oxPlatform.h"
 #include "oxPresetGUII.h"
 #include "oxRenderAutomationVariantSetGroup.h"
+#include "oxRenderJobPresets.h"
 #include "oxRenderSettingsForm.h"
+#include "oxRenderSettingsKeys.h"
+#include "oxRenderSettingsPresetFile.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -109,10 +113,21 @@ oxRenderSettings::oxRenderSettings(const QString& title, oxImageWriter* writer,
     connect(windowAction, &QAction::triggered, this, &oxRenderSettings::triggeredWindowAction);
 
     setupWidgets();
+    connectBindings();
+    registerRenderSettingsCallbacks();
+    registerRenderJobPresetCallbacks();
+
+    // The user's presets, then the default settings of the preferences (which also builds the
+    // preset menu).
+    presets = readPresetFile();
+    loadDefaultSettings(false);
 }
 
 oxRenderSettings::~oxRenderSettings()
 {
+    unregisterRenderJobPresetCallbacks();
+    unregisterRenderSettingsCallbacks();
+    disconnectBindings();
     if (gRenderSettings == this)
         gRenderSettings = nullptr;
 }
@@ -175,6 +190,9 @@ void oxRenderSettings::showEvent(QShowEvent* event)
 {
     // Section layouts are fixed by the module after construction; measure again.
     fitTabsToContents();
+    if (isVisible())
+        _view->update();
+    updateGUI();
     QMainWindow::showEvent(event);
 }
 

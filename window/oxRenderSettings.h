@@ -5,11 +5,14 @@
 
 #include <QMainWindow>
 #include <QTimer>
+#include <QVector>
 
+class QAbstractButton;
 class QAction;
 class QActionGroup;
 class QTreeWidget;
 class oxImageWriter;
+class oxMessage;
 class oxMovieExport;
 class oxPresetGUII;
 
@@ -48,11 +51,84 @@ public:
     oxRenderSettingsPresets& getPresets() { return presets; }
     oxRenderSettingsPresets& getRQPresets() { return rqPresets; }
 
+    /// A new record frozen from the host's live values and the window's output fields.
+    oxRenderSettingsPresetSPtr getCurrentRenderSettings();
+
+    /// The settings' life in the scene's project record and in the preferences: load and
+    /// save the current record, or reset it to the default settings of the preferences.
+    void loadSettings(oxMessage& project);
+    void saveSettings(oxMessage& project);
+    void loadDefaultSettings(bool reset);
+
+    /// Merges preset into the current record, keeping of the current record what the bits of
+    /// applyMode name, and pushes the result to the host's services in their fixed order;
+    /// then the preset menu and the widgets follow.
+    void applyPreset(const oxRenderSettingsPreset& preset,
+                     oxRenderSettingsPreset::ApplyPresetMode applyMode);
+    /// The first entry of list named name: its index (-1 when none) or the entry itself (null
+    /// when none). An empty name is never found.
+    int findPresetIndex(const std::string& name, const oxRenderSettingsPresets& list) const;
+    oxRenderSettingsPresetSPtr findPreset(const std::string& name,
+                                          const oxRenderSettingsPresets& list) const;
+    /// Photometric mode of the scene: the headlight's unit and value and the default
+    /// environment follow on; switchPhotometricFlag sets the flag in the record, the parameter
+    /// store, the scene data and the materials.
+    void applyHeadlightPhotometric(bool on);
+    void switchPhotometricFlag(bool on);
+    /// The named callback "oxRenderSettings::loadSettings": output keys of a message into the
+    /// current record of instance(); nothing without a window or for an empty message.
+    static void loadSettingsCallback(oxMessage& message);
+
+public slots:
+    /// applyPreset keeping nothing.
+    void applyPreset(const oxRenderSettingsPreset& preset);
+    /// Applies the first user preset of that name, keeping the current file name, clip,
+    /// variant sets and photometric values; an empty or unknown name does nothing.
+    void applyPresetByName(const std::string& name);
+    /// applyPresetByName with the text of the sending action.
+    void applyPresetFromMenu();
+    /// The default settings of the preferences, as from a new scene.
+    void applyDefaultPreset();
+    /// User presets by name: delete (the file is not written), delete several and write the
+    /// file, rename (refused when the new name is taken), save the current settings under the
+    /// active name or under a name the user enters.
+    void deletePresetByName(const std::string& name);
+    void deletePresets(const QVector<QString>& names);
+    void renamePreset(const QString& oldName, const QString& newName);
+    void savePreset();
+    void savePresetAs();
+    /// Shows the dialog that renames and deletes presets.
+    void editPresets();
+    /// Rebuilds the preset menu and writes the preset file.
+    void updatePresets();
+
+public:
     QTimer& getVariantGuiTimer() { return variantGuiTimer; }
     QTimer& getStatisticsTimer() { return statisticsTimer; }
     QTimer& getVariantListTimer() { return variantListTimer; }
 
 public slots:
+    /// Brings every widget back into line with the stores of its setting.
+    void updateGUI();
+
+    /// Render job presets (rqPresets), by name. addRQPreset saves the captured settings under
+    /// name, replacing a preset of that name in place; deleteRQPreset removes the first of
+    /// that name (an empty or unknown name does nothing); getRQPreset finds the first, or
+    /// null; applyRQPresetByName applies it with its file name, clip and variant sets, leaves
+    /// the current settings unnamed and emits renderQueuePresetApplied.
+    void addRQPreset(const char* name);
+    void deleteRQPreset(const char* name);
+    oxRenderSettingsPresetSPtr getRQPreset(const char* name);
+    void applyRQPresetByName(const char* name);
+    /// Hands the render job record of the current settings to the render queue
+    /// ("addRenderJobProxy").
+    void buildRenderJobMessage();
+    /// Takes the settings of a render job record back into the window and the renderer;
+    /// keys the record lacks leave their settings alone.
+    void receiveRenderSettingsFromRenderQueue(const oxMessage& job);
+    /// Tells listeners of "oxRenderSettings::render" that a render or a hand-off started: the
+    /// current record in the preset file's column form, and "sender" (what started it).
+    void notifyRenderStarted(const char* sender);
     /// Brings the window's dock to the user.
     void triggeredWindowAction();
     /// Requests a refresh of the variant set display, the statistics and the read-back of the
@@ -60,6 +136,173 @@ public slots:
     void updateVariantSetGUI();
     void updateRenderStatistics();
     void updateVariantSetList();
+
+    /// Timer handlers of the three refresh requests.
+    void refreshVariantSetGui();
+    void refreshRenderStatistics();
+    void readBackVariantSetTree();
+
+    /// Re-reads the host's parameters after the scene replaced them, and refreshes.
+    void refreshHostParameters();
+    /// Rebuilds _animationCB from the host's clips, keeping the chosen clip where it remains.
+    void updateClipList();
+
+    // Raytracing settings: each writes the host's store (some also mirror into the current
+    // record) and refreshes the window, the render and the scene's modified state.
+    void changedAAThresholdQuality(int index);
+    void changedImageFilter(int index);
+    void changedFilterWidth(double width);
+    void changedFilterHeight(double height);
+    void changedInteractiveReflectionDepth(int depth);
+    void changedStillFrameReflectionDepth(int depth);
+    void changedClamping(bool on);
+    void changedReflectionClampValue(double value);
+    void changedInteractiveQualityMode(int index);
+    void changedInteractiveQuality(int quality);
+    void changedStillFrameQualityMode(int index);
+    void changedRenderMode(int index);
+    void changedStillFrameQuality(int quality);
+    void changedEnvironmentInteractiveQuality(int quality);
+    void changedEnvironmentStillQuality(int quality);
+    void changedPhotonDispersionQuality(int quality);
+    void changedRenderer(int renderer);
+    void changedPhotonMode(int mode);
+    void changedPhotonTraceDepth(int depth);
+    void changedPhotonNoiseReductionSteps(int steps);
+    void changedPhotonUseAutomaticRadius(bool on);
+    void changedPhotonLookupCount(int count);
+    void changedFinalGatherRadius(double radius);
+    void changedUseFinalGatherForGlossy(bool on);
+    void changedIndirectPhotonRadius(double radius);
+    void changedInteractivePhotonCount(int count);
+    void changedStillFramePhotonCount(int count);
+    void changedInteractiveFinalGatherQuality(int quality);
+    void changedStillFrameFinalGatherQuality(int quality);
+    void changedPhotonMapRefreshMode(int mode);
+    void changedPhotonMapFreezeMode(bool on);
+    void changedIlluminant(int illuminant);
+
+    void changedUseInfiniteRendering(int on);
+    void changedRenderingFinishMode(int mode);
+    void changedSamplesThreshold(int threshold);
+    void changedOverrideIBLQuality(bool on);
+    void changedOverrideIlluminationMode(bool on);
+    void changedOverrideReflectionQuality(bool on);
+    void changedOverrideTraceDepth(bool on);
+    void changedNURBSMode(bool on);
+    void changedCostVisualizationMode(bool on);
+    void changedLightOptimizationMode(bool on);
+    void changedNumCoresLimit(int cores);
+    void changedUseRaySplitting(bool on);
+    void changedDenoiserType(int type);
+    void changedDenoiserInput(int input);
+    void changedDenoiseAlpha(bool on);
+    void changedUseTwoSampleImportanceSampling(bool on);
+    void changedUseTextureSharing(bool on);
+    void changedUseGeometrySharing(bool on);
+    void changedDenoiseFilter(int filter);
+    void changedEnableDenoise(bool on);
+    void changedDisplayColorspace(int index);
+    void changedUseHighQualityTextureFiltering(bool on);
+    void changedStillFrameSupersampling(int factor);
+    void changedSpectralRaytracing(bool on);
+
+    void changedImageSamples(int samples);
+    void changedQualityPreset(int index);
+    void changedRenderTime(int ignored);
+    void changedRenderTime(int hours, int minutes, int seconds);
+    void changedGamma(double gamma);
+    void changedDisplayLuminance(double value);
+    void changedSim2LuminanceMapping(double value);
+    void changedDynamicTonemapping(bool on);
+    void changedDithering(bool on);
+    void changedHistogramEnabled(bool on);
+    void changedHistogramLogScale(bool on);
+    void changedHistogramRedEnabled(bool on);
+    void changedHistogramGreenEnabled(bool on);
+    void changedHistogramBlueEnabled(bool on);
+    void changedHistogramLumEnabled(bool on);
+
+    // Output settings: they live in the current record only.
+    void changedUseTimestamp(bool on);
+    void changedFilename();
+    void changedRenderAnimation(bool on);
+    void changedUseClipRange(bool on);
+    void changedAnimationType(int type);
+    void changedAnimationFormat(int format);
+    void changedClip(const QString& clip);
+    void changedStart(int frame);
+    void changedStop(int frame);
+    void changedFrameStep(int step);
+    void changedFPS(int fps);
+    void changedSSFactor(int index);
+    void changedTonemapHDR(bool on);
+    void changedAlpha(bool on);
+    void changedBackgroundColor(float r, float g, float b);
+    void changedTiffHDR(bool on);
+    void changedExrHalf(bool on);
+    void changedICCProfile(int index);
+    void changedPremultiply(bool on);
+    void changedUseMultiLayer(bool on);
+    void changedEmbedCamera(bool on);
+    void changedEmbedNodeVisibilities(bool on);
+    void changedEmbedSwitchNodeChoices(bool on);
+    void changedEmbedSwitchMaterialChoices(bool on);
+    void changedEmbedRenderSettings(bool on);
+    void changedEmbedAll(bool on);
+    void changedExportRenderpasses(bool on);
+    /// The flag of one render pass; the pass check boxes of the pass table call it.
+    void changedExportPass(PassFlag flag, bool on);
+    void changedExportSpecularLightPass(bool on);
+
+    // Kept for scripts and old connections; they do nothing.
+    void changedAdaptiveAASamples(int samples);
+    void changedCausticPhotonRadius(double radius);
+    void clickedMore();
+
+    // Snapshot overlays of the render view; no refresh, no scene change.
+    void changedSnapshotFrame(bool on);
+    void changedSnapshotRuleOfThirds(bool on);
+    void changedSnapshotInnerFrameEnable(bool on);
+    void changedSnapshotRenderRegionFrameEnabled(bool on);
+    void changedInnerFrame(int ignored);
+
+    // Image size, print resolution and render region.
+    void changedImageSize(int index);
+    void changedPixelWidth(double width);
+    void changedPixelHeight(double height);
+    void changedPrintWidth(double width);
+    void changedPrintHeight(double height);
+    void changedDpi(int dpi);
+    void changedUseRenderRegion(bool on);
+    void changedRegionStartX(int x);
+    void changedRegionStartY(int y);
+    void changedRegionEndX(int x);
+    void changedRegionEndY(int y);
+    void changedUseViewportRegion(bool on);
+
+public:
+    /// Sets the image size in pixels and the print resolution; the print size follows.
+    void setPixelResolution(float width, float height, float dpi);
+    /// Sets the print size in centimetres and the print resolution; the pixels follow.
+    void setPrintResolution(float width, float height, float dpi);
+    /// Selects the _imageSizes entry that matches the current size, then hands the frames
+    /// that depend on the size to the render view.
+    void syncImageSizeAndFrames();
+    void selectImageSizeEntry();
+    /// Moves the render region with a change of the image size from old to new (nothing while
+    /// regionSyncLock is set).
+    void rescaleRenderRegion(float oldWidth, float oldHeight, float newWidth, float newHeight);
+    /// Takes the region drawn in the render view over, when the region follows the view.
+    void adoptViewportRegion();
+    /// Hands the record's region to the render view.
+    void applyRenderRegion();
+    bool isRegionSyncLocked() const { return regionSyncLock; }
+    /// Pops up the menu of named sizes at position; a chosen size gives its width and height
+    /// in pixels and its dpi. "Custom ..." asks for millimetres and dpi. False when nothing
+    /// was chosen.
+    static bool showImageSizeMenu(QWidget* parent, const QPoint& position, int& width, int& height,
+                                  double& dpi);
 
 signals:
     /// A render queue job's settings were applied to the window.
@@ -71,6 +314,36 @@ protected:
 private:
     void setupWidgets();
     void fitTabsToContents();
+    /// Merge into the current record and push, without lock or refresh.
+    void mergeAndPush(const oxRenderSettingsPreset& preset, int applyMode);
+    /// Captures the settings under name into list, in place of an entry of that name.
+    void saveCurrentSettingsAs(const std::string& name, oxRenderSettingsPresets& list);
+    /// Rebuilds _presetsMenu and the preset dialog's list from presets.
+    void updatePresetMenu();
+    /// The BRDF mode a scene's settings bring, against the current one as reference.
+    int decideBrdfMode(const oxMessage& project, int reference);
+    void connectBindings();
+    void disconnectBindings();
+    void connectImageSize();
+    void fillImageSizes();
+    /// One pass of updateGUI over a group of widgets.
+    void updateOutputWidgets();
+    void updateRaytracingWidgets();
+    void updatePhotonWidgets();
+    void updateDisplayWidgets();
+    /// The live refresh: updateGUI, a render update and the scene marked modified.
+    void refreshLive();
+    /// Sends all ten post-processing flags, the checked state of the widget that just changed
+    /// replaced by on.
+    void sendPostprocessingFlags(QAbstractButton* changed, bool on);
+    void setMetaDataFlag(int mask, bool on);
+    /// The end of a region that sat on the image's edge follows the edge.
+    void followRegionEndX(float oldWidth, float newWidth);
+    void followRegionEndY(float oldHeight, float newHeight);
+    /// The region's corners mapped from an image of old size onto one of new size, about
+    /// the centre.
+    void mapRegionToImage(int oldW, int oldH, int newW, int newH, int& x1, int& y1, int& x2,
+                          int& y2) const;
 
     // In the order the window's data are laid out; see the constructor for the order of
     // construction.

@@ -2,6 +2,7 @@
 // headless with --no-gui.
 
 #include "oxCallTrace.h"
+#include "oxClusterManagerService.h"
 #include "oxController.h"
 #include "oxExampleScene.h"
 #include "oxFileIO.h"
@@ -17,6 +18,7 @@
 #include "oxPreferences.h"
 #include "oxRaytracerSource.h"
 #include "oxRenderParameter.h"
+#include "oxRenderQueue.h"
 #include "oxScene.h"
 #include "oxSceneIO.h"
 #include "oxSceneServices.h"
@@ -57,6 +59,7 @@ const char kUsage[] =
     "                        one file per pass, or one multi-layer file for EXR\n"
     "  --view NAME           render through the camera or viewpoint NAME\n"
     "  --samples N           samples per pixel of the snapshot (default: the image samples)\n"
+    "  --cluster-spool DIR   log in to the cluster spool folder DIR (its subfolders are queues)\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -77,6 +80,7 @@ struct Options {
     std::string passes;
     std::string view;
     std::string samples;
+    std::string clusterSpool;
 };
 
 // Parses argv; false with a message on standard error for anything it doesn't know.
@@ -116,6 +120,9 @@ bool parseOptions(int argc, char** argv, Options& options)
                 return false;
         } else if (arg == "--write-example") {
             if (!value(options.exampleDir))
+                return false;
+        } else if (arg == "--cluster-spool") {
+            if (!value(options.clusterSpool))
                 return false;
         } else if (arg == "--list-scene") {
             options.listScene = true;
@@ -309,6 +316,12 @@ int main(int argc, char** argv)
     oxPreferences::load();
 
     auto mainWindow = std::make_unique<oxMainWindow>();
+    // The render queue module and the cluster manager stand before the plug-ins, which use them.
+    auto renderQueue = std::make_unique<oxRenderQueue>();
+    oxClusterManagerService clusterManager;
+    if (!options.clusterSpool.empty() && !clusterManager.login(options.clusterSpool))
+        return 2;
+    oxKernelServiceFactory::the()->registerService(&clusterManager);
     // Exports render the current scene with the host's raytracer.
     oxImageSource::setCurrent(&oxRaytracerSource::the());
 
@@ -340,6 +353,8 @@ int main(int argc, char** argv)
     // Plug-ins go first: their objects may refer to the main window and need the application.
     oxPluginLoader::unloadAll();
     oxImageSource::setCurrent(nullptr);
+    oxKernelServiceFactory::the()->unregisterService<oxClusterManagerService>();
+    renderQueue.reset();
     mainWindow.reset();
     oxLog::setLogFile(std::string());
     return result;

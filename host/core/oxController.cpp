@@ -1,5 +1,6 @@
 #include "oxController.h"
 
+#include "oxCallTrace.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxModuleBase.h"
@@ -45,6 +46,7 @@ void oxController::addCB(const char* name, Callback function)
 {
     if (!name || !function)
         return;
+    oxCallTrace::record("oxController::addCB", name);
     state().callbacks[name].push_back(function);
 }
 
@@ -52,6 +54,7 @@ void oxController::subCB(const char* name, Callback function)
 {
     if (!name)
         return;
+    oxCallTrace::record("oxController::subCB", name);
     auto it = state().callbacks.find(name);
     if (it == state().callbacks.end())
         return;
@@ -75,7 +78,13 @@ bool oxController::call(const char* name, oxMessage& message, int)
     return true;
 }
 
-bool oxController::hasCB(const char* name) { return name && state().callbacks.count(name) != 0; }
+bool oxController::hasCB(const char* name)
+{
+    if (!name)
+        return false;
+    auto it = state().callbacks.find(name);
+    return it != state().callbacks.end() && !it->second.empty();
+}
 
 void oxController::registerModule(oxModuleBase* module)
 {

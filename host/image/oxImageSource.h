@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,8 +20,12 @@ struct oxRenderRequest {
     bool alpha = false;
     float alphaColor[3] = {1.0f, 1.0f, 1.0f};
     bool tonemapHDR = false;
-    /// The object whose motion blurs, or -1.
+    /// The animation (clip node id) whose motion blurs, or -1.
     int64_t motionBlurObjectId = -1;
+    /// For renderers that refine in rounds: called after each round with the rounds done and
+    /// planned. Returning false asks the renderer to stop before the next round; the render
+    /// then fails and the image is not complete.
+    std::function<bool(int done, int rounds)> onRound;
 };
 
 /// One rendered pass: width * height RGBA floats, top row first.

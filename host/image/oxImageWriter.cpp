@@ -10,7 +10,9 @@
 #include "oxImageRenderWidget.h"
 #include "oxImageSource.h"
 #include "oxLog.h"
+#include "oxMessage.h"
 #include "oxMovieWriter.h"
+#include "oxPreferences.h"
 
 #include <lcms2.h>
 
@@ -43,7 +45,7 @@ double& lastRenderTime()
 }
 
 // Ctrl-C during a headless export: the handler only raises the flag; the export looks at it
-// after each image, so the image being written is always finished.
+// after each refinement round and each image, so no file is ever left half written.
 volatile std::sig_atomic_t g_interrupted = 0;
 extern "C" void onInterrupt(int) { g_interrupted = 1; }
 
@@ -163,8 +165,8 @@ public:
             m_terminal = ::isatty(STDERR_FILENO) != 0;
             m_text = true;
         } else if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
-            m_dialog =
-                std::make_unique<QProgressDialog>(title, QObject::tr("Cancel"), 0, int(total));
+            m_dialog = std::make_unique<QProgressDialog>(title, QObject::tr("Cancel"), 0,
+                                                         int(total) * kRoundSteps);
             m_dialog->setWindowModality(Qt::ApplicationModal);
             m_dialog->setMinimumDuration(0);
             m_dialog->setValue(0);
@@ -178,6 +180,21 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    // Inside the running image: done of its rounds are finished. Lines of plain text stay one
+    // per image; the bar and the dialog move, and the dialog's Cancel button is heard.
+    void round(int done, int rounds)
+    {
+        if (rounds <= 0 || m_done >= m_total)
+            return;
+        const double fraction = (double(m_done) + double(done) / double(rounds)) / double(m_total);
+        if (m_terminal) {
+            drawBar(fraction, m_done, "");
+        } else if (m_dialog) {
+            m_dialog->setValue(int(m_done) * kRoundSteps + done * kRoundSteps / rounds);
+            QCoreApplication::processEvents();
+        }
+    }
+
     void step(const std::string& name)
     {
         ++m_done;
@@ -185,24 +202,31 @@ public:
             std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
         const int eta = int(elapsed / double(m_done) * double(m_total - m_done) + 0.5);
         if (m_terminal) {
-            const int width = 30;
-            const int filled = int(width * m_done / m_total);
-            std::fprintf(stderr, "\r[%s%s] %zu/%zu  ETA %d:%02d ",
-                         std::string(size_t(filled), '#').c_str(),
-                         std::string(size_t(width - filled), '-').c_str(), m_done, m_total,
-                         eta / 60, eta % 60);
-            std::fflush(stderr);
+            char text[32];
+            std::snprintf(text, sizeof text, " ETA %d:%02d ", eta / 60, eta % 60);
+            drawBar(double(m_done) / double(m_total), m_done, text);
         } else if (m_text) {
             std::fprintf(stderr, "Image writer: %zu/%zu written '%s', ETA %d s\n", m_done, m_total,
                          name.c_str(), eta);
         } else if (m_dialog) {
-            m_dialog->setValue(int(m_done));
+            m_dialog->setValue(int(m_done) * kRoundSteps);
             QCoreApplication::processEvents();
         }
     }
     bool canceled() const { return m_dialog && m_dialog->wasCanceled(); }
 
 private:
+    static constexpr int kRoundSteps = 100; // dialog steps per image
+
+    void drawBar(double fraction, size_t done, const char* eta)
+    {
+        const int width = 30;
+        const int filled = std::clamp(int(width * fraction), 0, width);
+        std::fprintf(stderr, "\r[%s%s] %zu/%zu %s", std::string(size_t(filled), '#').c_str(),
+                     std::string(size_t(width - filled), '-').c_str(), done, m_total, eta);
+        std::fflush(stderr);
+    }
+
     size_t m_total;
     size_t m_done = 0;
     std::chrono::steady_clock::time_point m_start;
@@ -256,6 +280,9 @@ struct oxImageWriter::Job {
     bool alpha = false;
     bool tonemapHDR = false;
     int64_t objectId = -1;
+    std::string iccProfile;
+    size_t index = 0;     // of the frame being rendered
+    bool stopped = false; // a cancel was heard during the running image
     std::unique_ptr<Progress> progress;
     std::unique_ptr<oxMovieWriter> movieWriter;
 };
@@ -380,6 +407,53 @@ std::string oxImageWriter::iccProfileData(int profileID)
     static const std::string srgb = buildProfile(1);
     static const std::string adobe = buildProfile(2);
     return profileID == 1 ? srgb : profileID == 2 ? adobe : std::string();
+}
+
+std::string oxImageWriter::iccProfileFromPreferences(int profileID, std::string& file,
+                                                     std::string& problem)
+{
+    file.clear();
+    problem.clear();
+    const char* key = profileID == 3   ? monitorICCProfileKey
+                      : profileID == 4 ? imageICCProfileKey
+                                       : nullptr;
+    if (!key) {
+        problem = "the profile id " + std::to_string(profileID) + " names no profile file";
+        return std::string();
+    }
+    // The preference page may store the name as either string type.
+    const boost::any& value = oxPreferences::getData().get(key);
+    if (const auto* text = boost::any_cast<std::string>(&value))
+        file = *text;
+    else if (const auto* qtext = boost::any_cast<QString>(&value))
+        file = utf8(*qtext);
+    else if (!value.empty()) {
+        problem = std::string("the preference \"") + key + "\" holds no file name";
+        return std::string();
+    }
+    if (file.empty()) {
+        problem = std::string("the preference \"") + key + "\" names no ICC profile file";
+        return std::string();
+    }
+    std::string data;
+    const std::string path = oxFile::expandFilename(file);
+    if (!oxFile::exists(path, true) || !oxFile::readAll(path, data)) {
+        problem = "it can't be read";
+        return std::string();
+    }
+    cmsHPROFILE profile = cmsOpenProfileFromMem(data.data(), cmsUInt32Number(data.size()));
+    if (!profile) {
+        problem = "it is no ICC profile";
+        return std::string();
+    }
+    // Every image this writer embeds a profile in is RGB.
+    const bool rgb = cmsGetColorSpace(profile) == cmsSigRgbData;
+    cmsCloseProfile(profile);
+    if (!rgb) {
+        problem = "it is no RGB profile";
+        return std::string();
+    }
+    return data;
 }
 
 bool oxImageWriter::exportImage(QString filename, int width, int height, int ssFactor, int alpha,
@@ -581,6 +655,20 @@ bool oxImageWriter::run(Job& job)
         }
     }
 
+    job.iccProfile = iccProfileData(m_iccProfile);
+    if ((m_iccProfile == 3 || m_iccProfile == 4) && !toStream && !job.movie) {
+        std::string file, problem;
+        job.iccProfile = iccProfileFromPreferences(m_iccProfile, file, problem);
+        const char* key = m_iccProfile == 3 ? monitorICCProfileKey : imageICCProfileKey;
+        if (job.iccProfile.empty() && file.empty())
+            oxLog::warning("Image writer: %s; '%s' is written without an ICC profile.",
+                           problem.c_str(), shown.c_str());
+        else if (job.iccProfile.empty())
+            oxLog::warning("Image writer: the ICC profile file '%s' (preference \"%s\") can't "
+                           "be used: %s; '%s' is written without an ICC profile.",
+                           file.c_str(), key, problem.c_str(), shown.c_str());
+    }
+
     InterruptGuard interrupt(oxController::isNoGUI());
     job.progress = std::make_unique<Progress>(!m_noProgress, job.frames.size(),
                                               QObject::tr("Rendering %1").arg(job.filename));
@@ -604,7 +692,10 @@ bool oxImageWriter::run(Job& job)
             for (const UnitFile& file :
                  unitFiles(job.filename, job.passIds, m_multiLayer, job.sequence, frame))
                 names << file.name;
+        job.index = i;
         ok = renderUnit(job, frame, names);
+        if (m_canceled)
+            break;
         job.progress->step(job.movie ? shown : utf8(names.value(0)));
         if (ok && i + 1 < job.frames.size() && (cancelRequested() || job.progress->canceled())) {
             m_canceled = true;
@@ -644,6 +735,14 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
     std::copy(m_alphaColor, m_alphaColor + 3, request.alphaColor);
     request.tonemapHDR = job.tonemapHDR;
     request.motionBlurObjectId = job.objectId;
+    job.stopped = false;
+    request.onRound = [this, &job](int done, int rounds) {
+        job.progress->round(done, rounds);
+        if (m_progressCallback)
+            m_progressCallback({job.index, job.frames.size(), done, rounds});
+        job.stopped = cancelRequested() || job.progress->canceled();
+        return !job.stopped;
+    };
 
     oxRenderedImage image;
     std::string error;
@@ -652,6 +751,18 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
     lastRenderTime() =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
     const std::string shown = job.movie ? utf8(job.filename) : utf8(names.value(0));
+    if (!rendered && job.stopped) {
+        // Stopped between two rounds: the image is unfinished, so none of its files appear.
+        m_canceled = true;
+        if (job.sequence || job.movie)
+            oxLog::info("Image writer: export of '%s' cancelled during frame %d; the frame was "
+                        "not written.",
+                        utf8(job.filename).c_str(), frame);
+        else
+            oxLog::info("Image writer: export of '%s' cancelled; the image was not written.",
+                        utf8(job.filename).c_str());
+        return false;
+    }
     if (!rendered) {
         oxLog::error("Image writer: rendering '%s' failed: %s.", shown.c_str(), error.c_str());
         return false;
@@ -718,7 +829,7 @@ bool oxImageWriter::writeUnit(Job& job, const oxRenderedImage& image, const QStr
         settings.exrHalf = m_exrHalf;
         settings.multiLayer = passes.size() > 1;
         settings.ppi = m_dpi;
-        settings.iccProfile = iccProfileData(m_iccProfile);
+        settings.iccProfile = job.iccProfile;
         if (m_metaDataFlags != 0)
             settings.xmp = m_metaData.buildXMP(m_metaDataFlags, image.cameraData);
         std::vector<oxImageLayer> layers;

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -22,8 +23,26 @@ struct oxRenderedImage;
 ///   sequence with passes    NAME.PASS.FRAME.EXT
 ///   multi-layer (EXR, TIFF) NAME.EXT or NAME.FRAME.EXT holding a layer per pass
 /// Every file is written under a temporary name in its folder and renamed when complete.
+///
+/// A cancel (cancel(), Ctrl-C in a headless run, Cancel in the GUI progress dialog) is seen
+/// after each refinement round of a renderer that refines in rounds, else after each image. An
+/// image stopped in the middle is not written at all; images finished before stay.
 class oxImageWriter {
 public:
+    /// Preference keys (oxPreferences) naming the ICC profile files of profiles 3 and 4.
+    static constexpr const char* monitorICCProfileKey = "Monitor ICC Profile File";
+    static constexpr const char* imageICCProfileKey = "Image ICC Profile File";
+
+    /// Where a running export stands: image (from 0) of images, rounds done of the image's
+    /// refinement rounds.
+    struct ProgressInfo {
+        size_t image = 0;
+        size_t images = 0;
+        int round = 0;
+        int rounds = 0;
+    };
+    using ProgressCallback = std::function<void(const ProgressInfo&)>;
+
     oxImageWriter();
     ~oxImageWriter();
     oxImageWriter(const oxImageWriter&) = delete;
@@ -60,6 +79,8 @@ public:
     bool exportImage(QString filename, int width, int height, int ssFactor, int alpha, float dpi,
                      bool passes, QString clusterHosts, bool unused, bool tonemapHDR);
     /// Renders and writes frames start..stop by step, the scene evaluated at each frame.
+    /// objectId names the clip (node id) whose motion blurs; 0 or -1: the animation manager's
+    /// motion blur object, if any.
     bool exportImages(QString filename, int width, int height, int fps, int start, int stop,
                       int ssFactor, int alpha, bool passes, int64_t objectId, QString clusterHosts,
                       int step, bool tonemapHDR);
@@ -86,7 +107,10 @@ public:
 
     /// Background colour the renderer puts behind transparent pixels when alpha is off.
     void setAlphaColor(float red, float green, float blue);
-    /// 0 none, 1 sRGB, 2 Adobe RGB (1998); 3 and 4 (monitor, image profile) embed none here.
+    /// 0 none, 1 sRGB, 2 Adobe RGB (1998), 3 the monitor profile and 4 the image profile: the
+    /// files the preferences monitorICCProfileKey and imageICCProfileKey name. An empty
+    /// preference or a file that is no usable RGB profile gives one warning per export and
+    /// images without a profile.
     void setICCProfile(int profileID);
     int getICCProfile() const { return m_iccProfile; }
     /// Which metadata groups are embedded (oxImageMetaData::Flags).
@@ -102,11 +126,21 @@ public:
     void setNoProgress(bool on);
     /// True when the last export was cancelled (Ctrl-C headless, Cancel in the GUI, cancel()).
     bool wasExportCanceled() const { return m_canceled; }
-    /// Asks a running export to stop after the image it is rendering.
+    /// Asks a running export to stop after the refinement round it is rendering.
     void cancel() { m_cancelRequested = true; }
+    /// Called on the export's thread after each refinement round of each image (renderers
+    /// without rounds: never); it may call cancel(). Empty: none.
+    void setProgressCallback(ProgressCallback callback)
+    {
+        m_progressCallback = std::move(callback);
+    }
 
-    /// The ICC profile bytes for a profile id ("" for none).
+    /// The ICC profile bytes of the built-in profiles 1 and 2 ("" for any other id).
     static std::string iccProfileData(int profileID);
+    /// The bytes of the ICC profile file of profile 3 or 4 as the preferences name it. "" with
+    /// problem set when the preference is empty or the file is unreadable or no RGB profile.
+    static std::string iccProfileFromPreferences(int profileID, std::string& file,
+                                                 std::string& problem);
 
 private:
     struct Job;
@@ -136,4 +170,5 @@ private:
     int m_fastSupersampling = 0;
     bool m_fastReady = false;
     oxImageMetaData m_metaData;
+    ProgressCallback m_progressCallback;
 };

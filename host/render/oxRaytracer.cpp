@@ -118,6 +118,7 @@ const HostPass kHostPasses[] = {Beauty,   BackgroundColor, Occlusion,     Albedo
                                 Position, ViewVector,      CameraNormal};
 
 enum Dimension : uint32_t { DimPixel = 0, DimEnvironment = 1, DimReflection = 2, DimLights = 3 };
+constexpr uint32_t kTimeDimension = 1u << 15; // above any light's dimension
 constexpr uint32_t kAODimensionBase = 1u << 16;
 
 // --- Pixel filters ------------------------------------------------------------------------
@@ -362,12 +363,29 @@ oxRaytracer::Settings oxRaytracer::Settings::fromHost(int width, int height, boo
 struct oxRaytracer::Impl {
     RTCDevice device = nullptr;
     RTCScene scene = nullptr;
-    std::vector<float> positions;
+    // The vertex positions of each pose of the last build (one without motion blur).
+    std::vector<std::vector<float>> stepPositions;
     std::vector<uint32_t> indices;
+    // The snapshot's triangle behind each primitive, by geometry id; empty when the one
+    // geometry holds every triangle in snapshot order.
+    std::vector<std::vector<uint32_t>> triangleOf;
     bool built = false;
     int buildCount = 0;
+    std::string deviceError; // the first error Embree reported since the last look
 
-    Impl() { device = rtcNewDevice(nullptr); }
+    Impl()
+    {
+        device = rtcNewDevice(nullptr);
+        if (device)
+            rtcSetDeviceErrorFunction(
+                device,
+                [](void* self, RTCError, const char* text) {
+                    std::string& error = static_cast<Impl*>(self)->deviceError;
+                    if (error.empty())
+                        error = text ? text : "unknown error";
+                },
+                this);
+    }
     ~Impl()
     {
         if (scene)
@@ -376,43 +394,137 @@ struct oxRaytracer::Impl {
             rtcReleaseDevice(device);
     }
 
-    // Builds the BVH when the triangles differ from those of the last build.
-    bool update(const oxSceneSnapshot& snapshot, std::string& error)
+    // A triangle geometry of the given triangles (all when list is null), with one time step
+    // per pose; vertices are renumbered so that a geometry holds only those it uses.
+    RTCGeometry makeGeometry(const std::vector<const std::vector<float>*>& poses,
+                             const std::vector<uint32_t>& all, const std::vector<uint32_t>* list)
+    {
+        const size_t triangleCount = list ? list->size() : all.size() / 3;
+        std::vector<uint32_t> vertexOf;  // geometry vertex -> snapshot vertex
+        std::vector<uint32_t> triangles; // geometry indices
+        std::unordered_map<uint32_t, uint32_t> renumbered;
+        triangles.reserve(triangleCount * 3);
+        if (!list) {
+            triangles = all;
+        } else {
+            for (uint32_t triangle : *list) {
+                for (size_t k = 0; k < 3; ++k) {
+                    const uint32_t vertex = all[size_t(triangle) * 3 + k];
+                    auto found = renumbered.emplace(vertex, uint32_t(vertexOf.size()));
+                    if (found.second)
+                        vertexOf.push_back(vertex);
+                    triangles.push_back(found.first->second);
+                }
+            }
+        }
+        const size_t vertexCount = list ? vertexOf.size() : poses.front()->size() / 3;
+        RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
+        if (poses.size() > 1)
+            rtcSetGeometryTimeStepCount(geometry, unsigned(poses.size()));
+        for (size_t step = 0; step < poses.size(); ++step) {
+            auto* vertices = static_cast<float*>(
+                rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, unsigned(step),
+                                        RTC_FORMAT_FLOAT3, 3 * sizeof(float), vertexCount));
+            const std::vector<float>& source = *poses[step];
+            if (!list)
+                std::memcpy(vertices, source.data(), vertexCount * 3 * sizeof(float));
+            else
+                for (size_t v = 0; v < vertexCount; ++v)
+                    std::memcpy(vertices + v * 3, source.data() + size_t(vertexOf[v]) * 3,
+                                3 * sizeof(float));
+        }
+        auto* target = static_cast<uint32_t*>(
+            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
+                                    3 * sizeof(uint32_t), triangleCount));
+        std::memcpy(target, triangles.data(), triangleCount * 3 * sizeof(uint32_t));
+        rtcCommitGeometry(geometry);
+        return geometry;
+    }
+
+    void attach(RTCGeometry geometry, std::vector<uint32_t> triangles)
+    {
+        const unsigned id = rtcAttachGeometry(scene, geometry);
+        rtcReleaseGeometry(geometry);
+        if (triangleOf.size() <= id)
+            triangleOf.resize(size_t(id) + 1);
+        triangleOf[id] = std::move(triangles);
+    }
+
+    // Builds the BVH when the triangles differ from those of the last build. poses holds one
+    // snapshot, or one per time step of motion blur.
+    bool update(const std::vector<oxSceneSnapshot>& poses, std::string& error)
     {
         if (!device) {
             error = "the ray tracing device could not be created";
             return false;
         }
-        if (built && snapshot.positions == positions && snapshot.indices == indices)
+        const oxSceneSnapshot& first = poses.front();
+        bool same = built && poses.size() == stepPositions.size() && first.indices == indices;
+        for (size_t step = 0; same && step < poses.size(); ++step)
+            same = poses[step].positions == stepPositions[step];
+        if (same)
             return true;
-        const size_t vertexCount = snapshot.positions.size() / 3;
-        for (uint32_t index : snapshot.indices) {
+        const size_t vertexCount = first.positions.size() / 3;
+        for (uint32_t index : first.indices) {
             if (index >= vertexCount) {
                 error = "the scene has a triangle with a vertex index out of range";
+                return false;
+            }
+        }
+        for (const oxSceneSnapshot& pose : poses) {
+            if (pose.indices != first.indices || pose.positions.size() != first.positions.size()) {
+                error = "the scene's geometry changes within the shutter interval";
                 return false;
             }
         }
         if (scene)
             rtcReleaseScene(scene);
         scene = rtcNewScene(device);
-        const size_t triangleCount = snapshot.indices.size() / 3;
-        if (triangleCount > 0) {
-            RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-            auto* vertices = static_cast<float*>(
-                rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                        3 * sizeof(float), vertexCount));
-            auto* triangles = static_cast<uint32_t*>(
-                rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
-                                        3 * sizeof(uint32_t), triangleCount));
-            std::memcpy(vertices, snapshot.positions.data(), vertexCount * 3 * sizeof(float));
-            std::memcpy(triangles, snapshot.indices.data(), triangleCount * 3 * sizeof(uint32_t));
-            rtcCommitGeometry(geometry);
+        triangleOf.clear();
+        const size_t triangleCount = first.indices.size() / 3;
+        std::vector<const std::vector<float>*> positions;
+        for (const oxSceneSnapshot& pose : poses)
+            positions.push_back(&pose.positions);
+        if (triangleCount > 0 && poses.size() == 1) {
+            RTCGeometry geometry = makeGeometry(positions, first.indices, nullptr);
             rtcAttachGeometry(scene, geometry);
             rtcReleaseGeometry(geometry);
+        } else if (triangleCount > 0) {
+            // Only what moves pays for motion: still triangles keep a plain geometry.
+            std::vector<bool> moves(vertexCount, false);
+            for (size_t step = 1; step < poses.size(); ++step)
+                for (size_t v = 0; v < vertexCount; ++v)
+                    for (size_t c = 0; c < 3; ++c)
+                        if (poses[step].positions[v * 3 + c] != first.positions[v * 3 + c])
+                            moves[v] = true;
+            std::vector<uint32_t> still, moving;
+            for (uint32_t t = 0; t < uint32_t(triangleCount); ++t) {
+                const uint32_t* corner = &first.indices[size_t(t) * 3];
+                (moves[corner[0]] || moves[corner[1]] || moves[corner[2]] ? moving : still)
+                    .push_back(t);
+            }
+            if (!still.empty()) {
+                RTCGeometry geometry = makeGeometry({positions.front()}, first.indices, &still);
+                attach(geometry, std::move(still));
+            }
+            if (!moving.empty()) {
+                RTCGeometry geometry = makeGeometry(positions, first.indices, &moving);
+                attach(geometry, std::move(moving));
+            }
         }
         rtcCommitScene(scene);
-        positions = snapshot.positions;
-        indices = snapshot.indices;
+        if (!deviceError.empty()) {
+            error = "the ray tracing library failed: " + deviceError;
+            deviceError.clear();
+            rtcReleaseScene(scene);
+            scene = nullptr;
+            built = false;
+            return false;
+        }
+        stepPositions.clear();
+        for (const oxSceneSnapshot& pose : poses)
+            stepPositions.push_back(pose.positions);
+        indices = first.indices;
         built = true;
         ++buildCount;
         return true;
@@ -464,8 +576,16 @@ struct RenderContext {
     const FilterSampler* filter = nullptr;
     PassNeeds needs;
     int occlusionRays = 1;
+    const std::vector<std::vector<uint32_t>>* triangleOf = nullptr;
+    bool motion = false; // samples carry a time within the shutter interval
 
-    bool occluded(const Vec3& origin, const Vec3& direction, float distance) const
+    // The snapshot's triangle that a primitive of a geometry stands for.
+    uint32_t triangle(unsigned geometry, unsigned primitive) const
+    {
+        return triangleOf->empty() ? primitive : (*triangleOf)[geometry][primitive];
+    }
+
+    bool occluded(const Vec3& origin, const Vec3& direction, float distance, float time) const
     {
         RTCIntersectContext context;
         rtcInitIntersectContext(&context);
@@ -477,7 +597,7 @@ struct RenderContext {
         ray.dir_x = direction[0];
         ray.dir_y = direction[1];
         ray.dir_z = direction[2];
-        ray.time = 0.0f;
+        ray.time = time;
         ray.tfar = distance;
         ray.mask = 0xffffffffu;
         ray.id = 0;
@@ -488,7 +608,7 @@ struct RenderContext {
 
     // Diffuse and highlight from every light, with one shadow ray each.
     Vec3 directLight(const Vec3& point, const Vec3& normal, const Vec3& toEye,
-                     const ShadeMaterial& material, const Sampler& sampler) const
+                     const ShadeMaterial& material, const Sampler& sampler, float time) const
     {
         Vec3 sum{0, 0, 0};
         for (size_t i = 0; i < lights.size(); ++i) {
@@ -529,7 +649,7 @@ struct RenderContext {
                 distance *= 0.999f;
             }
             const float cosine = dot(normal, toLight);
-            if (cosine <= 0.0f || occluded(point, toLight, distance))
+            if (cosine <= 0.0f || occluded(point, toLight, distance, time))
                 continue;
             const Vec3 halfway = normalize(toLight + toEye);
             const float highlight =
@@ -549,8 +669,8 @@ struct RenderContext {
         tfar = std::min(camera.farDistance * inverseCosine, std::numeric_limits<float>::max());
     }
 
-    // Shades what the primary ray along direction found.
-    void shade(const Vec3& direction, const PrimaryHit& hit, const Sampler& sampler,
+    // Shades what the primary ray along direction found at the sample's time.
+    void shade(const Vec3& direction, const PrimaryHit& hit, const Sampler& sampler, float time,
                SampleResult& result) const
     {
         result.view = direction * -1.0f;
@@ -596,7 +716,7 @@ struct RenderContext {
             for (int i = 0; i < occlusionRays; ++i) {
                 float u, v;
                 sampler.get(kAODimensionBase + uint32_t(i), u, v);
-                if (!occluded(origin, cosineDirection(u, v), kOcclusionDistance))
+                if (!occluded(origin, cosineDirection(u, v), kOcclusionDistance, time))
                     ++open;
             }
             result.occlusion = float(open) / float(occlusionRays);
@@ -604,12 +724,13 @@ struct RenderContext {
 
         if (needs.beauty) {
             const Vec3 toEye = direction * -1.0f;
-            Vec3 color = material.emission + directLight(origin, normal, toEye, material, sampler);
+            Vec3 color =
+                material.emission + directLight(origin, normal, toEye, material, sampler, time);
             float u, v;
             // Sky light: one cosine-weighted ray, whose weight cancels the Lambert factor.
             sampler.get(DimEnvironment, u, v);
             const Vec3 skyDirection = cosineDirection(u, v);
-            if (snapshot->environment && !occluded(origin, skyDirection, 1e30f))
+            if (snapshot->environment && !occluded(origin, skyDirection, 1e30f, time))
                 color = color +
                         material.diffuse * environmentColor(snapshot->environment, skyDirection);
             // Reflection of the environment, blurred by roughness.
@@ -619,7 +740,7 @@ struct RenderContext {
             Vec3 reflected = normalize(mirror + (tangent * (u - 0.5f) + bitangent * (v - 0.5f)) *
                                                     (2.0f * spread));
             if (dot(reflected, normal) > 0.0f && snapshot->environment &&
-                !occluded(origin, reflected, 1e30f))
+                !occluded(origin, reflected, 1e30f, time))
                 color =
                     color + material.specular * environmentColor(snapshot->environment, reflected);
             result.beauty = color;
@@ -674,6 +795,43 @@ void rank(std::vector<std::pair<float, float>>& list)
     });
 }
 
+// Visits the sums of a pixel that the requested passes read, in a fixed order: what a pixel
+// keeps between refinement rounds. The rest never reaches an image.
+template <typename Visit>
+void forEachKeptSum(PixelSums& sums, const PassNeeds& needs, Visit&& visit)
+{
+    visit(sums.weight);
+    visit(sums.absWeight);
+    visit(sums.hitWeight);
+    visit(sums.hitAbsWeight);
+    if (needs.beauty)
+        for (float& c : sums.beauty)
+            visit(c);
+    if (needs.background)
+        for (float& c : sums.background)
+            visit(c);
+    if (needs.view)
+        for (float& c : sums.view)
+            visit(c);
+    if (needs.occlusion)
+        visit(sums.occlusion);
+    if (needs.data) {
+        for (Vec3* v :
+             {&sums.albedo, &sums.normal, &sums.cameraNormal, &sums.position, &sums.idColor})
+            for (float& c : *v)
+                visit(c);
+        visit(sums.depth);
+    }
+}
+
+size_t keptSumCount(const PassNeeds& needs)
+{
+    PixelSums sums;
+    size_t count = 0;
+    forEachKeptSum(sums, needs, [&](float&) { ++count; });
+    return count;
+}
+
 void put(float* pixel, const Vec3& rgb, float alpha)
 {
     pixel[0] = rgb[0];
@@ -684,9 +842,21 @@ void put(float* pixel, const Vec3& rgb, float alpha)
 
 } // namespace
 
-bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRenderedImage& image,
-                         std::string& error)
+std::vector<int> oxRaytracer::refinementRounds(int samples)
 {
+    samples = std::max(1, samples);
+    std::vector<int> rounds;
+    for (int taken = 1; taken < samples; taken *= 2)
+        rounds.push_back(taken);
+    rounds.push_back(samples);
+    return rounds;
+}
+
+bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRenderedImage& image,
+                         std::string& error, bool* stopped)
+{
+    if (stopped)
+        *stopped = false;
     if (settings.width <= 0 || settings.height <= 0) {
         error = "the image size " + std::to_string(settings.width) + "x" +
                 std::to_string(settings.height) + " is not positive";
@@ -715,16 +885,35 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         error = "the pixel filter size must be positive and finite";
         return false;
     }
+    if (settings.motionClip && !(std::isfinite(settings.shutter) && settings.shutter >= 0.0f &&
+                                 std::isfinite(settings.motionFrame))) {
+        error = "the shutter interval of motion blur must be finite and not negative";
+        return false;
+    }
 
     std::lock_guard<std::mutex> lock(m_mutex);
-    oxSceneSnapshot snapshot;
-    scene.snapshot(snapshot);
-    if (!m_impl->update(snapshot, error))
+    // One pose of the scene, or one per time step of the shutter interval; shading takes
+    // materials, lights and camera from the first, the shutter's opening.
+    std::vector<oxSceneSnapshot> poses(settings.motionClip ? size_t(motionTimeSteps) : 1u);
+    if (settings.motionClip) {
+        for (size_t step = 0; step < poses.size(); ++step) {
+            settings.motionClip->evaluate(settings.motionFrame +
+                                          settings.shutter * float(step) / float(poses.size() - 1));
+            scene.snapshot(poses[step]);
+        }
+        settings.motionClip->evaluate(settings.motionFrame);
+    } else {
+        scene.snapshot(poses.front());
+    }
+    const oxSceneSnapshot& snapshot = poses.front();
+    if (!m_impl->update(poses, error))
         return false;
 
     RenderContext context;
     context.scene = m_impl->scene;
     context.snapshot = &snapshot;
+    context.triangleOf = &m_impl->triangleOf;
+    context.motion = settings.motionClip != nullptr;
     context.camera = oxRaytracerCamera::fromSnapshot(snapshot, settings.width, settings.height);
     context.cameraRight = normalize(context.camera.right);
     context.cameraUp = normalize(context.camera.up);
@@ -844,6 +1033,25 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         passes.push_back(std::move(pass));
     }
 
+    // The image is assembled before the first round: each round leaves it finished.
+    image = oxRenderedImage();
+    image.width = width;
+    image.height = height;
+    image.passes = std::move(passes);
+    if (context.needs.cryptoObject)
+        image.cryptoObjectNames = objectNames;
+    if (context.needs.cryptoMaterial)
+        image.cryptoMaterialNames = materialNames;
+    if (snapshot.camera) {
+        const osg::UberCameraBase& camera = *snapshot.camera;
+        image.cameraData = {
+            {"fov", std::to_string(camera.getFov())},
+            {"position", std::to_string(camera.position[0]) + " " +
+                             std::to_string(camera.position[1]) + " " +
+                             std::to_string(camera.position[2])},
+        };
+    }
+
     const float clampValue = settings.clamping ? settings.clampValue : 0.0f;
     const uint32_t offset = uint32_t(settings.sampleOffset);
     auto accumulate = [&](PixelSums& sums, CoverageLists& lists, const SampleResult& result,
@@ -890,7 +1098,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         if (context.needs.cryptoMaterial)
             rank(lists.materials);
         const size_t index = (size_t(y) * size_t(width) + size_t(x)) * 4;
-        for (oxRenderedPass& pass : passes) {
+        for (oxRenderedPass& pass : image.passes) {
             float* pixel = pass.rgba.data() + index;
             switch (pass.passId) {
             case Beauty: {
@@ -953,11 +1161,21 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         }
     };
 
+    // Rounds of samples [begin, end) over the region. What a pixel has summed so far waits
+    // between rounds in keptSums (and its Cryptomatte coverage in keptLists); a render of one
+    // round keeps nothing.
+    const std::vector<int> rounds =
+        settings.refine ? refinementRounds(samples) : std::vector<int>{samples};
+    const size_t keptCount = rounds.size() > 1 ? keptSumCount(context.needs) : 0;
+    const bool crypto = context.needs.cryptoObject || context.needs.cryptoMaterial;
+    std::vector<float> keptSums(rounds.size() > 1 ? pixelCount * keptCount : 0);
+    std::vector<CoverageLists> keptLists(rounds.size() > 1 && crypto ? pixelCount : 0);
+
     // Tiles shoot their primary rays in packets of eight neighbouring pixels, one sample
     // index at a time; everything after the first hit is traced ray by ray.
     constexpr int kTile = 16;
     constexpr int kPacket = 8;
-    if (x0 < x1 && y0 < y1) {
+    auto renderRound = [&](int begin, int end, bool firstRound, bool lastRound) {
         tbb::parallel_for(
             tbb::blocked_range2d<int>(y0, y1, kTile, x0, x1, kTile),
             [&](const tbb::blocked_range2d<int>& tile) {
@@ -965,26 +1183,40 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                 const int top = tile.rows().begin();
                 const int tileWidth = int(tile.cols().size());
                 const int count = tileWidth * int(tile.rows().size());
+                auto pixelOf = [&](int i) {
+                    return size_t(top + i / tileWidth) * size_t(width) +
+                           size_t(left + i % tileWidth);
+                };
                 // Each thread keeps its tile buffers from tile to tile.
                 thread_local std::vector<PixelSums> sums;
                 thread_local std::vector<CoverageLists> lists;
                 sums.assign(static_cast<size_t>(count), PixelSums());
                 if (lists.size() < static_cast<size_t>(count))
                     lists.resize(static_cast<size_t>(count));
-                if (context.needs.cryptoObject || context.needs.cryptoMaterial) {
+                if (firstRound && crypto) {
                     for (int i = 0; i < count; ++i) {
                         lists[size_t(i)].objects.clear();
                         lists[size_t(i)].materials.clear();
                     }
                 }
+                if (!firstRound) {
+                    for (int i = 0; i < count; ++i) {
+                        const float* kept = keptSums.data() + pixelOf(i) * keptCount;
+                        forEachKeptSum(sums[size_t(i)], context.needs,
+                                       [&](float& value) { value = *kept++; });
+                        if (crypto)
+                            std::swap(lists[size_t(i)], keptLists[pixelOf(i)]);
+                    }
+                }
                 RTCIntersectContext intersect;
                 rtcInitIntersectContext(&intersect);
                 intersect.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
-                for (int s = 0; s < samples; ++s) {
+                for (int s = begin; s < end; ++s) {
                     for (int base = 0; base < count; base += kPacket) {
                         alignas(32) RTCRayHit8 packet;
                         alignas(32) int valid[kPacket];
                         float weights[kPacket];
+                        float times[kPacket];
                         Vec3 directions[kPacket];
                         Sampler samplers[kPacket];
                         for (int lane = 0; lane < kPacket; ++lane) {
@@ -1006,6 +1238,11 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                                 fx = context.filter->sample(u, signX);
                                 fy = context.filter->sample(v, signY);
                             }
+                            times[lane] = 0.0f;
+                            if (context.motion) {
+                                float v;
+                                samplers[lane].get(kTimeDimension, times[lane], v);
+                            }
                             weights[lane] = signX * signY;
                             directions[lane] = context.camera.direction(
                                 float(x) + 0.5f + fx * 0.5f * settings.filterWidth,
@@ -1020,7 +1257,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                             packet.ray.dir_z[lane] = directions[lane][2];
                             packet.ray.tnear[lane] = tnear;
                             packet.ray.tfar[lane] = tfar;
-                            packet.ray.time[lane] = 0.0f;
+                            packet.ray.time[lane] = times[lane];
                             packet.ray.mask[lane] = 0xffffffffu;
                             packet.ray.id[lane] = unsigned(lane);
                             packet.ray.flags[lane] = 0;
@@ -1031,11 +1268,14 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                             PrimaryHit hit;
                             hit.hit = packet.hit.geomID[lane] != RTC_INVALID_GEOMETRY_ID;
                             hit.distance = packet.ray.tfar[lane];
-                            hit.primitive = packet.hit.primID[lane];
+                            if (hit.hit)
+                                hit.primitive = context.triangle(packet.hit.geomID[lane],
+                                                                 packet.hit.primID[lane]);
                             hit.normal = {packet.hit.Ng_x[lane], packet.hit.Ng_y[lane],
                                           packet.hit.Ng_z[lane]};
                             SampleResult result;
-                            context.shade(directions[lane], hit, samplers[lane], result);
+                            context.shade(directions[lane], hit, samplers[lane], times[lane],
+                                          result);
                             accumulate(sums[size_t(base + lane)], lists[size_t(base + lane)],
                                        result, weights[lane]);
                         }
@@ -1044,26 +1284,34 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                 for (int i = 0; i < count; ++i)
                     finish(left + i % tileWidth, top + i / tileWidth, sums[size_t(i)],
                            lists[size_t(i)]);
+                if (!lastRound) {
+                    for (int i = 0; i < count; ++i) {
+                        float* kept = keptSums.data() + pixelOf(i) * keptCount;
+                        forEachKeptSum(sums[size_t(i)], context.needs,
+                                       [&](float& value) { *kept++ = value; });
+                        if (crypto)
+                            std::swap(lists[size_t(i)], keptLists[pixelOf(i)]);
+                    }
+                }
             },
             tbb::simple_partitioner());
-    }
+    };
 
-    image = oxRenderedImage();
-    image.width = width;
-    image.height = height;
-    image.passes = std::move(passes);
-    if (context.needs.cryptoObject)
-        image.cryptoObjectNames = objectNames;
-    if (context.needs.cryptoMaterial)
-        image.cryptoMaterialNames = materialNames;
-    if (snapshot.camera) {
-        const osg::UberCameraBase& camera = *snapshot.camera;
-        image.cameraData = {
-            {"fov", std::to_string(camera.getFov())},
-            {"position", std::to_string(camera.position[0]) + " " +
-                             std::to_string(camera.position[1]) + " " +
-                             std::to_string(camera.position[2])},
-        };
+    int taken = 0;
+    for (size_t round = 0; round < rounds.size(); ++round) {
+        const bool lastRound = round + 1 == rounds.size();
+        if (x0 < x1 && y0 < y1)
+            renderRound(taken, rounds[round], round == 0, lastRound);
+        taken = rounds[round];
+        const bool goOn =
+            !settings.onRound || settings.onRound(int(round) + 1, int(rounds.size()), image);
+        if (!goOn && !lastRound) {
+            error = "the render was stopped after " + std::to_string(taken) + " of " +
+                    std::to_string(samples) + " samples per pixel";
+            if (stopped)
+                *stopped = true;
+            return false;
+        }
     }
     return true;
 }

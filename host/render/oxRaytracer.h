@@ -4,11 +4,13 @@
 
 #include <array>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
+class oxAnimClip;
 class oxScene;
 struct oxSceneSnapshot;
 struct oxRenderedImage;
@@ -48,10 +50,26 @@ struct oxRaytracerCamera {
 /// A render is a pure function of the scene, the settings and the sample offset: pixels are
 /// sampled from a hash of (pixel, sample, dimension), never from shared random state, so two
 /// renders of the same state are bit-identical whatever the number of threads.
+///
+/// Pixels are refined in rounds: the first round takes one sample per pixel, each further one
+/// doubles the samples taken so far, the last one tops them up to the sample count. Each sample
+/// keeps its index whatever the round, so the final image is bit-identical to one taken in a
+/// single pass, and after each round every pass is a finished image of the samples so far.
+///
+/// Motion blur: with a motion clip, each sample sees the scene at its own time within the
+/// shutter interval [motionFrame, motionFrame + shutter] (frames). The scene is posed at
+/// motionTimeSteps evenly spaced times across the interval; the triangles that move between
+/// them become one geometry with a time step per pose, between which they move linearly.
+/// Without a motion clip nothing of this is built or traced.
 class oxRaytracer {
 public:
     /// The pixel filters by id, as the pixel filter store keys them (0 box ... 9 sharp B-spline).
     static constexpr int pixelFilterCount = 10;
+    /// The shutter interval of motion blur in frames: open at the frame, closed half a frame
+    /// later (a 180 degree shutter).
+    static constexpr float motionBlurShutter = 0.5f;
+    /// Poses of the scene across the shutter interval, both ends included.
+    static constexpr int motionTimeSteps = 5;
 
     /// What one render needs beside the scene.
     struct Settings {
@@ -70,6 +88,18 @@ public:
         bool clamping = true;
         float clampValue = 16.0f;
         int sampleOffset = 0;
+        /// false: all samples in one round, with nothing kept between rounds (the same image).
+        bool refine = true;
+        /// Called on the rendering thread after each refinement round with the rounds done,
+        /// the rounds planned and the image so far. Returning false before the last round
+        /// stops the render there: render then returns false, sets stopped and leaves the
+        /// image of the rounds done in image. Must not start another render of this raytracer.
+        std::function<bool(int done, int rounds, const oxRenderedImage& image)> onRound;
+        /// The clip whose motion is blurred, or null for none. The render leaves the clip
+        /// evaluated at motionFrame.
+        const oxAnimClip* motionClip = nullptr;
+        float motionFrame = 0.0f;
+        float shutter = motionBlurShutter;
 
         /// The settings of the host's parameter store, pixel filter and premultiplication
         /// switch for an image of that size, with one sample or the store's image samples.
@@ -92,9 +122,13 @@ public:
     static bool isHostPass(unsigned passId);
 
     /// Renders scene's active camera into image, one pass per settings.passIds. False with
-    /// error set for bad settings or a pass it doesn't render; image is then unchanged.
+    /// error set for bad settings or a pass it doesn't render; image is then unchanged. False
+    /// with stopped set (when given) when settings.onRound stopped the render.
     bool render(const oxScene& scene, const Settings& settings, oxRenderedImage& image,
-                std::string& error);
+                std::string& error, bool* stopped = nullptr);
+
+    /// The samples per pixel taken once each round is done: 1, 2, 4, ... and samples last.
+    static std::vector<int> refinementRounds(int samples);
 
     /// How often the acceleration structure was built: once per scene change.
     int getBuildCount() const;

@@ -1,9 +1,12 @@
 #include "oxRaytracerSource.h"
 
+#include "oxOSGWidget.h"
 #include "oxRaytracer.h"
 #include "oxScene.h"
+#include "oxSceneServices.h"
 
 #include <algorithm>
+#include <cstdint>
 
 oxRaytracerSource& oxRaytracerSource::the()
 {
@@ -26,6 +29,12 @@ bool oxRaytracerSource::render(const oxRenderRequest& request, oxRenderedImage& 
     settings.passIds = request.passIds;
     settings.alpha = request.alpha;
     settings.alphaColor = {request.alphaColor[0], request.alphaColor[1], request.alphaColor[2]};
+    settings.motionClip = motionBlurClip(request);
+    settings.motionFrame = float(request.frame);
+    if (request.onRound)
+        settings.onRound = [&request](int done, int rounds, const oxRenderedImage&) {
+            return request.onRound(done, rounds);
+        };
     if (!oxRaytracer::the().render(scene, settings, image, error))
         return false;
     if (request.tonemapHDR) {
@@ -40,6 +49,23 @@ bool oxRaytracerSource::render(const oxRenderRequest& request, oxRenderedImage& 
                 oxRaytracerSource::tonemap(pass.rgba, whitepoint);
     }
     return true;
+}
+
+const oxAnimClip* oxRaytracerSource::motionBlurClip(const oxRenderRequest& request)
+{
+    if (!request.animation || !oxOSGWidget::getMotionBlur())
+        return nullptr;
+    const int64_t id = request.motionBlurObjectId > 0
+                           ? request.motionBlurObjectId
+                           : int64_t(oxAnimManager::the()->getMotionBlurObjectID());
+    if (id <= 0 || id > int64_t(UINT32_MAX))
+        return nullptr;
+    auto* node =
+        dynamic_cast<osg::Node*>(osg::FieldContainerFactory::the()->getContainer(osg::UInt32(id)));
+    // Only clips below the current scene's clip root: an id may outlive its scene.
+    if (!node || node->getParent() != oxScene::current().getClipRoot())
+        return nullptr;
+    return node->getCoreAs<oxAnimClip>();
 }
 
 void oxRaytracerSource::tonemap(std::vector<float>& rgba, float whitepoint)

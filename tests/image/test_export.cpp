@@ -1,8 +1,12 @@
+#include "oxExampleScene.h"
 #include "oxFile.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
 #include "oxOSGImage.h"
 #include "oxPatternSource.h"
+#include "oxRaytracerSource.h"
+#include "oxRenderParameter.h"
+#include "oxScene.h"
 #include "oxTestSupport.h"
 
 #include <OpenImageIO/imageio.h>
@@ -356,6 +360,76 @@ TEST_F(ImageExport, CancelInASequenceLeavesOnlyCompleteFiles)
     EXPECT_TRUE(writer.exportImage(QString::fromStdString(second.file("ok.png")), 4, 4, 0, 1, 72.0f,
                                    false, "", false, false));
     EXPECT_FALSE(writer.wasExportCanceled());
+}
+
+// With a renderer that refines in rounds a cancel stops inside the image: none of that frame's
+// files appear (not even under a temporary name) and the frames before stay whole.
+TEST_F(ImageExport, ACancelDuringAnImageLeavesOnlyCompleteFiles)
+{
+    auto example = std::make_unique<oxScene>();
+    std::string error;
+    ASSERT_TRUE(oxExampleScene::build(*example, error)) << error;
+    std::unique_ptr<oxScene> previous = oxScene::replaceCurrent(std::move(example));
+    oxImageSource* previousSource = oxImageSource::current();
+    oxImageSource::setCurrent(&oxRaytracerSource::the());
+    oxRenderParameter::setImageSamples(8); // rounds of 1, 2, 4 and 8 samples
+    activate({0, 33});                     // beauty and depth, a file each
+
+    std::vector<oxImageWriter::ProgressInfo> seen;
+    auto cancelIn = [&](size_t image, bool interrupt) {
+        seen.clear();
+        writer.setProgressCallback([&, image, interrupt](const oxImageWriter::ProgressInfo& info) {
+            seen.push_back(info);
+            if (info.image == image && info.round == 1) {
+                if (interrupt)
+                    std::raise(SIGINT);
+                else
+                    writer.cancel();
+            }
+        });
+    };
+    const std::string path = dir.file("r.png");
+    auto exportFrames = [&] {
+        return writer.exportImages(QString::fromStdString(path), 16, 12, 25, 1, 3, 3, 1, true, -1,
+                                   "", 1, false);
+    };
+
+    cancelIn(0, false);
+    expectLog(oxLog::Info, "Image writer: export of '" + path +
+                               "' cancelled during frame 1; the frame was not written.");
+    EXPECT_FALSE(exportFrames());
+    EXPECT_TRUE(writer.wasExportCanceled());
+    EXPECT_TRUE(filesIn(dir.path()).empty());
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0].images, 3u);
+    EXPECT_EQ(seen[0].rounds, 4);
+
+    // Ctrl-C in the second frame keeps the first frame's files whole.
+    cancelIn(1, true);
+    expectLog(oxLog::Info, "Image writer: export of '" + path +
+                               "' cancelled during frame 2; the frame was not written.");
+    EXPECT_FALSE(exportFrames());
+    EXPECT_TRUE(writer.wasExportCanceled());
+    EXPECT_EQ(filesIn(dir.path()),
+              (std::set<std::string>{"r.beauty.0001.png", "r.depth.0001.png"}));
+    EXPECT_TRUE(readImage(dir.file("r.beauty.0001.png")).ok);
+    EXPECT_EQ(seen.size(), 5u); // four rounds of the first frame, one of the second
+
+    // Unless cancelled, every round of every frame is reported and the export completes.
+    writer.setProgressCallback(
+        [&](const oxImageWriter::ProgressInfo& info) { seen.push_back(info); });
+    seen.clear();
+    EXPECT_TRUE(exportFrames());
+    EXPECT_FALSE(writer.wasExportCanceled());
+    EXPECT_EQ(seen.size(), 12u);
+    EXPECT_EQ(seen.back().image, 2u);
+    EXPECT_EQ(seen.back().round, 4);
+    EXPECT_EQ(filesIn(dir.path()).size(), 6u);
+
+    writer.setProgressCallback(nullptr);
+    oxRenderParameter::resetToDefaults();
+    oxImageSource::setCurrent(previousSource);
+    oxScene::replaceCurrent(std::move(previous));
 }
 
 TEST_F(ImageExport, AFailedRenderLeavesNoFile)

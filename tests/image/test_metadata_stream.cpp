@@ -4,9 +4,11 @@
 #include "oxImageWriter.h"
 #include "oxMessage.h"
 #include "oxPatternSource.h"
+#include "oxPreferences.h"
 #include "oxTestSupport.h"
 
 #include <OpenImageIO/imageio.h>
+#include <lcms2.h>
 
 #include <QDir>
 
@@ -125,6 +127,110 @@ TEST_F(ImageMetaData, ICCProfilesAreEmbeddedWhereTheFormatHoldsThem)
     writer.setICCProfile(0);
     ASSERT_TRUE(exportTo(dir.file("none.png")));
     EXPECT_FALSE(openImage(dir.file("none.png"))->spec().find_attribute("ICCProfile"));
+}
+
+namespace {
+
+// Saves an lcms2 profile to path and gives its bytes ("" on failure).
+std::string saveProfile(cmsHPROFILE profile, const std::string& path)
+{
+    std::string data;
+    if (profile && cmsSaveProfileToFile(profile, path.c_str()))
+        oxFile::readAll(path, data);
+    if (profile)
+        cmsCloseProfile(profile);
+    return data;
+}
+
+std::string embeddedProfile(const std::string& path)
+{
+    auto in = openImage(path);
+    const ParamValue* icc = in ? in->spec().find_attribute("ICCProfile") : nullptr;
+    return icc ? std::string(static_cast<const char*>(icc->data()),
+                             icc->type().size() * size_t(icc->nvalues()))
+               : std::string();
+}
+
+} // namespace
+
+// Profiles 3 and 4 embed the files the preferences name; a missing or bad file gives one
+// warning per export and images without a profile.
+TEST_F(ImageMetaData, MonitorAndImageProfilesComeFromThePreferencesFiles)
+{
+    oxMessage& preferences = oxPreferences::getData();
+    const oxMessage saved = preferences;
+    cmsToneCurve* gamma = cmsBuildGamma(nullptr, 1.8);
+    cmsToneCurve* curves[3] = {gamma, gamma, gamma};
+    const cmsCIExyY white = {0.3457, 0.3585, 1.0};
+    const cmsCIExyYTRIPLE primaries = {
+        {0.7347, 0.2653, 1.0}, {0.1596, 0.8404, 1.0}, {0.0366, 0.0001, 1.0}};
+    const std::string monitor =
+        saveProfile(cmsCreateRGBProfile(&white, &primaries, curves), dir.file("monitor.icc"));
+    const std::string gray = saveProfile(cmsCreateGrayProfile(&white, gamma), dir.file("gray.icc"));
+    cmsFreeToneCurve(gamma);
+    ASSERT_GT(monitor.size(), 128u);
+    ASSERT_FALSE(gray.empty());
+    const std::string image = oxImageWriter::iccProfileData(2);
+    ASSERT_TRUE(oxFile::writeAtomically(dir.file("image.icc"), image));
+
+    preferences.set(oxImageWriter::monitorICCProfileKey, dir.file("monitor.icc"));
+    preferences.set(oxImageWriter::imageICCProfileKey,
+                    QString::fromStdString(dir.file("image.icc")));
+    writer.setICCProfile(3);
+    for (const char* extension : {"png", "jpg", "tif"}) {
+        const std::string path = dir.file(std::string("monitor.") + extension);
+        ASSERT_TRUE(exportTo(path)) << extension;
+        EXPECT_TRUE(embeddedProfile(path) == monitor) << extension;
+    }
+    writer.setICCProfile(4);
+    ASSERT_TRUE(exportTo(dir.file("image.png")));
+    EXPECT_TRUE(embeddedProfile(dir.file("image.png")) == image);
+
+    // Each bad setting: the warning names the file and the problem; the image has no profile.
+    const std::string out = dir.file("bad.png");
+    const std::string tail = "; '" + out + "' is written without an ICC profile.";
+    ASSERT_TRUE(oxFile::writeAtomically(dir.file("junk.icc"), "not a profile at all"));
+    const struct {
+        std::string file;
+        std::string warning;
+    } cases[] = {
+        {"", "Image writer: the preference \"Image ICC Profile File\" names no ICC profile "
+             "file" +
+                 tail},
+        {dir.file("missing.icc"), "Image writer: the ICC profile file '" + dir.file("missing.icc") +
+                                      "' (preference \"Image ICC Profile File\") can't be used: "
+                                      "it can't be read" +
+                                      tail},
+        {dir.file("junk.icc"), "Image writer: the ICC profile file '" + dir.file("junk.icc") +
+                                   "' (preference \"Image ICC Profile File\") can't be used: it "
+                                   "is no ICC profile" +
+                                   tail},
+        {dir.file("gray.icc"), "Image writer: the ICC profile file '" + dir.file("gray.icc") +
+                                   "' (preference \"Image ICC Profile File\") can't be used: it "
+                                   "is no RGB profile" +
+                                   tail},
+    };
+    for (const auto& entry : cases) {
+        preferences.set(oxImageWriter::imageICCProfileKey, entry.file);
+        expectLog(oxLog::Warning, entry.warning);
+        ASSERT_TRUE(exportTo(out)) << entry.file;
+        EXPECT_TRUE(embeddedProfile(out).empty()) << entry.file;
+    }
+    EXPECT_EQ(log().messages(oxLog::Warning).size(), std::size(cases));
+
+    // A sequence reads the file once and warns once.
+    preferences.remove(oxImageWriter::imageICCProfileKey);
+    const std::string sequence = dir.file("seq.png");
+    expectLog(oxLog::Warning, "Image writer: the preference \"Image ICC Profile File\" names no "
+                              "ICC profile file; '" +
+                                  sequence + "' is written without an ICC profile.");
+    ASSERT_TRUE(writer.exportImages(QString::fromStdString(sequence), 8, 4, 25, 1, 3, 0, 1, false,
+                                    -1, "", 1, false));
+    EXPECT_EQ(log().messages(oxLog::Warning).size(), std::size(cases) + 1);
+    EXPECT_TRUE(embeddedProfile(dir.file("seq.0002.png")).empty());
+
+    writer.setICCProfile(0);
+    preferences = saved;
 }
 
 TEST_F(ImageMetaData, HandlerOptionsReachTheEncoder)

@@ -117,6 +117,69 @@ TEST_F(oxRaytracerTest, RendersBitIdenticallyAndTheSampleOffsetShiftsTheSequence
     EXPECT_EQ(raytracer.getBuildCount(), 1);
 }
 
+// Rounds only group the samples: every pass of every kind of sum comes out bit for bit as
+// in one round, each round leaves a finished image, and a stop keeps the rounds done.
+TEST_F(oxRaytracerTest, RefinementRoundsGiveTheImageOfOneRound)
+{
+    EXPECT_EQ(oxRaytracer::refinementRounds(1), std::vector<int>{1});
+    EXPECT_EQ(oxRaytracer::refinementRounds(5), (std::vector<int>{1, 2, 4, 5}));
+    EXPECT_EQ(oxRaytracer::refinementRounds(8), (std::vector<int>{1, 2, 4, 8}));
+
+    oxRaytracer::Settings s =
+        settings({"beauty", "occlusion", "albedo", "depth", "view", "background_color", "mask",
+                  "cryptoObject00", "cryptoMaterial00"},
+                 5);
+    s.filterType = 4; // Lanczos: negative lobes exercise the signed sums
+    s.filterWidth = 2.0f;
+    s.sampleOffset = 3;
+    s.refine = false;
+    const oxRenderedImage oneGo = render(s);
+    s.refine = true;
+    std::vector<std::pair<int, int>> calls;
+    std::vector<float> afterFourSamples;
+    s.onRound = [&](int done, int rounds, const oxRenderedImage& partial) {
+        calls.emplace_back(done, rounds);
+        if (done == 3)
+            afterFourSamples = partial.find(0)->rgba;
+        return true;
+    };
+    const oxRenderedImage refined = render(s);
+    EXPECT_EQ(calls, (std::vector<std::pair<int, int>>{{1, 4}, {2, 4}, {3, 4}, {4, 4}}));
+    ASSERT_EQ(refined.passes.size(), oneGo.passes.size());
+    for (size_t i = 0; i < oneGo.passes.size(); ++i) {
+        ASSERT_EQ(refined.passes[i].rgba.size(), oneGo.passes[i].rgba.size());
+        EXPECT_EQ(0, std::memcmp(refined.passes[i].rgba.data(), oneGo.passes[i].rgba.data(),
+                                 oneGo.passes[i].rgba.size() * sizeof(float)))
+            << oxImagePasses::name(refined.passes[i].passId);
+    }
+    EXPECT_EQ(refined.cryptoObjectNames, oneGo.cryptoObjectNames);
+
+    // The image after a round is the image of the samples taken so far.
+    oxRaytracer::Settings four = settings({"beauty"}, 4);
+    four.filterType = s.filterType;
+    four.filterWidth = s.filterWidth;
+    four.sampleOffset = s.sampleOffset;
+    four.refine = false;
+    EXPECT_EQ(afterFourSamples, render(four).find(0)->rgba);
+
+    // A stop after the second round leaves the two-sample image and says so.
+    s.passIds = {0};
+    s.onRound = [](int done, int, const oxRenderedImage&) { return done < 2; };
+    oxRenderedImage stoppedImage;
+    std::string error;
+    bool stopped = false;
+    EXPECT_FALSE(raytracer.render(scene, s, stoppedImage, error, &stopped));
+    EXPECT_TRUE(stopped);
+    EXPECT_EQ(error, "the render was stopped after 2 of 5 samples per pixel");
+    four.samples = 2;
+    EXPECT_EQ(stoppedImage.find(0)->rgba, render(four).find(0)->rgba);
+    // A stop asked for after the last round comes too late to stop anything.
+    s.onRound = [](int, int, const oxRenderedImage&) { return false; };
+    s.samples = 1;
+    EXPECT_TRUE(raytracer.render(scene, s, stoppedImage, error, &stopped)) << error;
+    EXPECT_FALSE(stopped);
+}
+
 TEST_F(oxRaytracerTest, GeometryPassesAgreeOnTheFloor)
 {
     const oxRenderedImage image =

@@ -1,6 +1,7 @@
 // The Render Settings window as the module builds it, docked into the host's main window.
 
 #include "QOXDockWindowManager.h"
+#include "oxCallTrace.h"
 #include "oxController.h"
 #include "oxImageWriter.h"
 #include "oxMainWindow.h"
@@ -20,6 +21,7 @@
 #include <QToolBar>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -191,6 +193,52 @@ TEST_F(WindowTest, UnloadRemovesWindowDockAndActions)
     load();
     EXPECT_NE(manager->getDockWidget("Render Settings"), nullptr);
     EXPECT_NE(manager->getQuickAccessAction("QuickRender"), nullptr);
+}
+
+TEST_F(WindowTest, ButtonsReachTheModuleAndCallbacksComeAndGoInOrder)
+{
+    oxCallTrace::clear();
+    oxCallTrace::setEnabled(true);
+    load();
+    const std::vector<std::string> expected = {
+        "checkFileWritingForPresets", "checkFileWritingForPreset", "oxMovieExport::exportMovie",
+        "oxMovieExport::exportSnapshot", "oxMovieExport::clickedAddToRenderQueue"};
+    // The window registers callbacks of its own; the module's come after them, in order.
+    auto moduleCallbacks = [&expected](const char* operation) {
+        std::vector<std::string> names;
+        for (const oxCallTrace::Call& call : oxCallTrace::calls())
+            if (call.name == operation &&
+                std::find(expected.begin(), expected.end(), call.arguments) != expected.end())
+                names.push_back(call.arguments);
+        return names;
+    };
+    EXPECT_EQ(moduleCallbacks("oxController::addCB"), expected);
+    for (const std::string& name : expected)
+        EXPECT_TRUE(oxController::hasCB(name.c_str())) << name;
+
+    // disconnect() answers whether the connection was there.
+    oxRenderSettings* w = window();
+    oxMovieExport* m = module.get();
+    EXPECT_TRUE(
+        QObject::disconnect(w->_render, &QPushButton::clicked, m, &oxMovieExport::clickedRender));
+    EXPECT_TRUE(QObject::disconnect(w->_addToRenderQueue, &QPushButton::clicked, m,
+                                    &oxMovieExport::clickedAddToRenderQueue));
+    EXPECT_TRUE(QObject::disconnect(w->_sendToClusterQueue, &QPushButton::clicked, m,
+                                    &oxMovieExport::clickedSendToClusterQueue));
+    EXPECT_TRUE(QObject::disconnect(w->_choose_filename, &QPushButton::clicked, m,
+                                    &oxMovieExport::openFileDialog));
+    QAction* quick = oxController::getDockWindowManager()->getQuickAccessAction("QuickRender");
+    EXPECT_TRUE(QObject::disconnect(quick, &QAction::triggered, m, &oxMovieExport::clickedRender));
+    EXPECT_TRUE(QObject::disconnect(m->getExportSnapshotAction(), &QAction::triggered, m,
+                                    &oxMovieExport::exportSnapshot));
+
+    oxCallTrace::clear();
+    unload();
+    EXPECT_EQ(moduleCallbacks("oxController::subCB"), expected);
+    for (const std::string& name : expected)
+        EXPECT_FALSE(oxController::hasCB(name.c_str())) << name;
+    oxCallTrace::setEnabled(false);
+    oxCallTrace::clear();
 }
 
 TEST_F(WindowTest, WindowFillsWhatTheFormCannotHold)

@@ -1,0 +1,20 @@
+// The render view's side of an export: what a render to file asks of the view before it
+// starts and what it restores afterwards.
+
+#include "oxOSGWidget.h"
+#include "oxRenderParameter.h"
+
+void oxOSGWidget::cancelAntialiasing()
+{
+    // The view refines only between user interactions; an export renders its own images, so
+    // there is nothing to stop beyond telling the trace that it was asked.
+    oxTraceCall("oxOSGWidget::cancelAntialiasing");
+}
+
+void oxOSGWidget::setRenderRegion(bool enabled, float x0, float y0, float x1, float y1)
+{
+    oxTraceCall("oxOSGWidget::setRenderRegion", enabled, x0, y0, x1, y1);
+    // The raytracer reads its region from the parameter store; off means the whole image.
+    oxRenderParameter::setRaytracingRenderRegion(enabled ? oxRenderRegion{x0, y0, x1, y1}
+                                                         : oxRenderRegion{0.0f, 0.0f, 1.0f, 1.0f});
+}

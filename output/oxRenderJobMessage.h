@@ -1,0 +1,103 @@
+#pragma once
+
+#include "oxRenderSettingsPreset.h"
+
+#include <boost/any.hpp>
+
+#include <array>
+#include <variant>
+
+class oxMessage;
+class oxRenderSettings;
+
+// The render job record: what the render queue gets of a job, and what it hands back when a
+// job's settings return to the window. Key texts are the queue's contract, misspellings
+// included.
+namespace oxJobKey {
+constexpr const char* VariantSetsUsed = "VariantSetsUsed";
+constexpr const char* RenderAnimation = "MovieExport Render Animation";
+constexpr const char* Clip = "MovieExport Clip";
+constexpr const char* Filename = "MovieExport Filename";
+constexpr const char* FloatWidth = "ImageExport floatwidth";
+constexpr const char* FloatHeight = "ImageExport floatheight";
+constexpr const char* Alpha = "MovieExport alpha";
+constexpr const char* TiffHDR = "ImageExport tiff hdr";
+constexpr const char* ExrHalf = "ImageExport exr half";
+constexpr const char* MultiLayer = "ImageExport multi layer exr";
+constexpr const char* SsFactor = "MovieExport ssfactor";
+constexpr const char* PremultiplyRed = "MovieExport Premultiply Red";
+constexpr const char* PremultiplyGreen = "MovieExport Premultiply Green";
+constexpr const char* PremultiplyBlue = "MovieExport Premultiply Blue";
+constexpr const char* Ppi = "MovieExport ppi";
+constexpr const char* Premultiply = "MovieExport Premultiply";
+constexpr const char* TonemapHDR = "MovieExport tonemap hdr";
+constexpr const char* ImageSamples = "Maximum Antialiasing Samples";
+constexpr const char* StillQualityMode = "Still Quality Mode";
+constexpr const char* RenderTime = "Maximum Rendering Time";
+constexpr const char* UseTimeLimit = "Use Rendering Time Limit Flag";
+constexpr const char* UseInfiniteRendering = "Use Infinite Rendering Flag";
+constexpr const char* UseRaySplitting = "Use Ray Splitting";
+constexpr const char* UseTwoSampleMIS = "Use Two Sample MIS";
+constexpr const char* UseNVLinkTextureSharing = "Use NVLink Texture Sharing";
+constexpr const char* UseNVLinkGeometrySharing = "Use NVLink Geometry Sharing";
+constexpr const char* DenoiseFilterType = "Denoise Filter Type";
+constexpr const char* UseDenoiseFilterFlag = "Use Denoise Filter Flag";
+constexpr const char* DenoiserType = "Denoiser Type";
+constexpr const char* DenoiserInput = "Denoiser Input";
+constexpr const char* DenoiseAlpha = "Denoise Alpha";
+constexpr const char* Fps = "MovieExport fps";
+constexpr const char* StartFrame = "MovieExport start frame";
+constexpr const char* StopFrame = "MovieExport stop frame";
+constexpr const char* StepFrame = "MovieExport step frame";
+constexpr const char* ImageSizePreset = "Image Size Preset String";
+constexpr const char* AnimationFormat = "MovieExport Animation Format";
+constexpr const char* UseClipRange = "MovieExport Use Clip Range";
+constexpr const char* TotalRenders = "ImageExport statistics total renders";
+constexpr const char* Viewpoints = "ImageExport statistics viewpoints";
+constexpr const char* RenderPasses = "ImageExport statistics renderpasses";
+constexpr const char* AnimationRenders = "ImageExport statistics animation renders";
+constexpr const char* VariantSets = "ImageExport statistics variantsets";
+constexpr const char* VariantSetRenders = "ImageExport statistics variantset renders";
+constexpr const char* TotalFiles = "ImageExport statistics toal files";
+constexpr const char* ClusterHosts = "Export cluster hosts";
+} // namespace oxJobKey
+
+/// One attribute of the job record before the pass keys: its key and how the window gives
+/// its value (typed as the queue expects it).
+struct oxRenderJobAttribute {
+    const char* key;
+    boost::any (*value)(oxRenderSettings& window);
+};
+
+/// The attributes before the pass keys, in the order they are set. The record goes on with
+/// the scene's pass keys ("MovieExport renderpasses", then every pass flag in scene key
+/// order) and ends with oxJobKey::ClusterHosts.
+extern const std::array<oxRenderJobAttribute, 35> kRenderJobAttributes;
+
+/// The job record of the window's current settings (id 0).
+oxMessage makeRenderJobMessage(oxRenderSettings& window);
+
+/// How a job's value comes back into a record field.
+enum class oxJobReadRule {
+    Plain,         ///< stored as it is
+    PrintSize,     ///< print resolution: the print sizes follow from it
+    Supersampling, ///< stored as 3 when above 0, else as 0
+    DenoiseType,   ///< the type; 1 reads as 2 unless the old flag decides
+    DenoiseFlag,   ///< the old flag: when true the type is 2
+};
+
+using oxJobFieldTarget =
+    std::variant<bool oxRenderSettingsPreset::*, int oxRenderSettingsPreset::*,
+                 unsigned int oxRenderSettingsPreset::*, float oxRenderSettingsPreset::*,
+                 std::string oxRenderSettingsPreset::*>;
+
+/// One key a returning job is read by: the field it goes to (ignored by DenoiseFlag) and the
+/// rule.
+struct oxRenderJobReadKey {
+    const char* key;
+    oxJobFieldTarget field;
+    oxJobReadRule rule;
+};
+
+/// The keys a returning job is read by, in reading order; the pass keys follow.
+extern const std::array<oxRenderJobReadKey, 36> kRenderJobReadKeys;

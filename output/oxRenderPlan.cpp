@@ -1,0 +1,185 @@
+#include "oxRenderPlan.h"
+
+#include "oxRenderAutomationVariantSetGroupsAccess.h"
+#include "oxSceneServices.h"
+#include "oxVariants.h"
+
+#include <QDateTime>
+#include <QStringList>
+
+namespace {
+
+const QString& nameSeparator()
+{
+    static const QString separator = QStringLiteral("_");
+    return separator;
+}
+
+// The view's node as a handle of its kind. Cameras and viewpoints share one core class, so
+// they are told apart by the core itself; every other node goes by its core's type.
+oxdNode viewObject(osg::NodePtr node)
+{
+    const oxdObjectManager* objects = oxdObjectManager::the();
+    if (node->getCoreAs<osg::UberCameraBase>()) {
+        const auto* uber = node->getCoreAs<osg::UberCamera>();
+        const QMetaObject& type = uber && uber->isViewpoint() ? oxdViewpointNode::staticMetaObject
+                                                              : oxdCameraNode::staticMetaObject;
+        return objects->create(objects->getTypeId(type.className()), node);
+    }
+    return objects->createFromExternal(oxdObjectManager::getExternalTypeId(node), node);
+}
+
+template <typename Handle>
+bool takeAs(const oxdNode& general, Handle& wanted)
+{
+    return general.isTypeOf(Handle::staticMetaObject) && wanted.assign(general);
+}
+
+} // namespace
+
+oxActivateCameraRenderStep::oxActivateCameraRenderStep(const oxdCameraNode& camera)
+    : camera(camera), isCamera(true), appendName(false)
+{}
+
+oxActivateCameraRenderStep::oxActivateCameraRenderStep(const oxdViewpointNode& viewpoint,
+                                                       bool appendName)
+    : viewpoint(viewpoint), isCamera(false), appendName(appendName)
+{}
+
+oxdNode oxActivateCameraRenderStep::getTarget() const
+{
+    if (isCamera)
+        return camera;
+    return viewpoint;
+}
+
+QString oxActivateCameraRenderStep::decorateName(QString name) const
+{
+    const QString targetName = QString::fromStdString(getTarget().getName());
+    // "#" alone asks for the view's name instead of a base name, whatever appendName says.
+    if (name == QLatin1String("#"))
+        return targetName;
+    if (appendName)
+        return name + nameSeparator() + targetName;
+    return name;
+}
+
+void oxActivateCameraRenderStep::apply()
+{
+    if (isCamera)
+        camera.activate();
+    else
+        viewpoint.activate(true, false);
+}
+
+oxVariantSetRenderStep::oxVariantSetRenderStep(std::vector<std::string> names,
+                                               bool useViewFromVariantSets)
+    : variantSetNames(std::move(names)), useViewFromVariantSets(useViewFromVariantSets)
+{}
+
+QString oxVariantSetRenderStep::decorateName(QString name) const
+{
+    if (variantSetNames.empty())
+        return name;
+    QStringList parts;
+    for (const std::string& setName : variantSetNames)
+        parts << QString::fromStdString(setName);
+    return name + nameSeparator() + parts.join(nameSeparator());
+}
+
+void oxVariantSetRenderStep::apply()
+{
+    for (const std::string& setName : variantSetNames)
+        oxVariants::selectVariantSet(setName.c_str(), !useViewFromVariantSets);
+}
+
+oxCameraRenderSettings::oxCameraRenderSettings(oxRenderSettingsPresetSPtr record)
+    : record(std::move(record))
+{}
+
+oxRenderSteps oxCameraRenderSettings::getRenderSteps() const
+{
+    if (!oxCameraService::the() || !record)
+        return {};
+    // One lookup, so that a missing view is reported once.
+    const osg::NodePtr viewNode = record->getViewNode();
+    if (!viewNode)
+        return {std::make_shared<oxRenderStep>()};
+
+    const oxdNode view = viewObject(viewNode);
+    oxdCameraNode camera;
+    if (takeAs(view, camera))
+        return {std::make_shared<oxActivateCameraRenderStep>(camera)};
+    oxdViewpointNode viewpoint;
+    if (takeAs(view, viewpoint))
+        return {std::make_shared<oxActivateCameraRenderStep>(viewpoint, false)};
+    oxdCameraTrackNode track;
+    if (!takeAs(view, track))
+        return {};
+    // An animated track is one job: its own animation moves the camera through the frames.
+    if (record->renderAnimation)
+        return {std::make_shared<oxRenderStep>()};
+    oxRenderSteps steps;
+    for (const oxdViewpointNode& trackViewpoint : track.getViewpoints())
+        steps.push_back(std::make_shared<oxActivateCameraRenderStep>(trackViewpoint, true));
+    return steps;
+}
+
+oxVariantSetRenderSettings::oxVariantSetRenderSettings(oxRenderSettingsPresetSPtr record)
+    : record(std::move(record))
+{}
+
+uint64_t oxVariantSetRenderSettings::getStepCount() const
+{
+    // Only the switch counts here, not the view: a still camera track still crosses with the
+    // tuples.
+    if (!record || !record->variantSetsUsed)
+        return 1;
+    return oxRenderAutomationVariantSetGroupsAccess(record->variantSets).getVariantSetTupleCount();
+}
+
+oxRenderStepSPtr oxVariantSetRenderSettings::getStep(uint64_t index) const
+{
+    if (!record || !record->variantSetsUsed)
+        return std::make_shared<oxRenderStep>();
+    std::vector<std::string> tuple =
+        oxRenderAutomationVariantSetGroupsAccess(record->variantSets).getVariantSetTuple(index);
+    if (tuple.empty())
+        return std::make_shared<oxRenderStep>();
+    return std::make_shared<oxVariantSetRenderStep>(std::move(tuple),
+                                                    record->usesVariantSetViewpoints());
+}
+
+QString oxVariantSetRenderSettings::getNamingScheme(const QString& name) const
+{
+    if (!record)
+        return QString();
+    QStringList groups;
+    for (const oxRenderAutomationVariantSetGroup& group : record->variantSets) {
+        if (group.hasActiveVariantSets())
+            groups << QStringLiteral("$") + QString::fromStdString(group.getGroupName());
+    }
+    return name + nameSeparator() + groups.join(nameSeparator());
+}
+
+QString oxVariantSetRenderSettings::getExampleName(const QString& name) const
+{
+    const oxRenderStepSPtr step = getStep(0);
+    return step ? step->decorateName(name) : QString();
+}
+
+void insertTimestamp(const oxRenderSettingsPresetSPtr& record, QString& path)
+{
+    if (!record || !record->timeStamp)
+        return;
+    const QString stamp =
+        QDateTime::currentDateTime().toString(QStringLiteral("'('yyyyMMdd hh-mm-ss')'"));
+    const int dot = path.lastIndexOf(QLatin1Char('.'));
+    if (dot >= 0)
+        path.insert(dot, stamp);
+}
+
+QString withoutLongPathPrefix(QString name)
+{
+    return name.remove(QLatin1String(kLongPathPrefix), Qt::CaseSensitive);
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+class oxMessage;
+
+// The module's named callbacks. Each is a plain function that reaches the module through
+// theMovieExport; the module registers them in the order of kMovieExportCallbacks.
+
+/// "checkFileWritingForPresets": settles the output files of several render queue presets.
+void checkFileWritingForPresetsCB(oxMessage& message);
+/// "checkFileWritingForPreset": settles the output files of one render queue preset.
+void checkFileWritingForPresetCB(oxMessage& message);
+/// "oxMovieExport::exportMovie": takes a start frame and a frame rate into the window.
+void exportMovieCB(oxMessage& message);
+/// "oxMovieExport::exportSnapshot": writes a fast snapshot for another module.
+void exportSnapshotCB(oxMessage& message);
+/// "oxMovieExport::clickedAddToRenderQueue": the render queue button, for other modules.
+void clickedAddToRenderQueueCB(oxMessage& message);
+
+struct oxMovieExportCallback {
+    const char* name;
+    void (*function)(oxMessage&);
+};
+
+/// The callbacks in registration order.
+inline constexpr oxMovieExportCallback kMovieExportCallbacks[] = {
+    {"checkFileWritingForPresets", checkFileWritingForPresetsCB},
+    {"checkFileWritingForPreset", checkFileWritingForPresetCB},
+    {"oxMovieExport::exportMovie", exportMovieCB},
+    {"oxMovieExport::exportSnapshot", exportSnapshotCB},
+    {"oxMovieExport::clickedAddToRenderQueue", clickedAddToRenderQueueCB},
+};
