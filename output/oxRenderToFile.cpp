@@ -19,19 +19,6 @@
 
 namespace {
 
-// The named function that hears of every render started from the window.
-const char kRenderNotice[] = "oxRenderSettings::render";
-
-// Tells listeners (the render queue module) which settings the window rendered with: the
-// window's record, in the preset file's column form, and who started it.
-void notifyRenderStarted(oxRenderSettings* window, const char* sender)
-{
-    auto record = std::make_shared<oxRenderSettingsPreset>(window->getCurrentPreset());
-    oxMessage message = writePresetsToMessage(oxRenderSettingsPresets{record});
-    message.set("sender", boost::any(sender));
-    oxController::call(kRenderNotice, message, 0);
-}
-
 bool coversWholeImage(const std::array<float, 4>& region)
 {
     return !(region[2] < 1.0f || region[3] < 1.0f || region[0] > 0.0f || region[1] > 0.0f);
@@ -51,7 +38,7 @@ void oxMovieExport::clickedRender()
     imageWriter->setNoOverwriteMessage(true);
     renderPresetToFile(record);
     // Listeners are told after the job, despite the notice's name.
-    notifyRenderStarted(window, "Render");
+    window->notifyRenderStarted("Render");
     imageWriter->setNoOverwriteMessage(false);
 }
 
