@@ -1,16 +1,15 @@
-#include "oxMovieExport.h"
+#include "oxFileChecks.h"
 
 #include "QOXScrollableMessageBox.h"
 #include "oxFile.h"
 #include "oxFileIO.h"
 #include "oxImageWriter.h"
 #include "oxLog.h"
-#include "oxMessage.h"
-#include "oxMovieExportCallbacks.h"
 #include "oxPlatform.h"
-#include "oxRenderSettings.h"
-#include "oxSceneServices.h"
+#include "oxRenderPlan.h"
+#include "oxSnapshots.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -27,6 +26,8 @@ const char kMovieExtension[] = ".avi";
 constexpr int kQuestionWindowFlags = 259;
 constexpr int kQuestionWidth = 600;
 constexpr int kQuestionHeight = 600;
+
+QString translated(const char* text) { return QCoreApplication::translate("oxMovieExport", text); }
 
 bool endsWithNoCase(const QString& text, const QString& end)
 {
@@ -46,55 +47,9 @@ QString joinedForPeople(const QStringList& list)
     return shown.join(QLatin1Char('\n'));
 }
 
-// The render job preset of that name, compared byte for byte; an empty name never matches.
-oxRenderSettingsPresetSPtr findPreset(const std::string& name)
-{
-    oxRenderSettings* window = oxRenderSettings::instance();
-    if (!window || name.empty())
-        return nullptr;
-    for (const oxRenderSettingsPresetSPtr& preset : window->getRQPresets()) {
-        if (preset && preset->name == name)
-            return preset;
-    }
-    return nullptr;
-}
-
 } // namespace
 
-bool oxMovieExport::validateOutputFilename(const oxRenderSettingsPresetSPtr& record) const
-{
-    const QString name = QString::fromStdString(record->filename);
-    const bool isMovieName = endsWithNoCase(name, QLatin1String(kMovieExtension));
-    if (name.isEmpty() || isMovieName != record->isMovieExport()) {
-        oxLog::error("%s", kBadFilenameMessage);
-        return false;
-    }
-    return true;
-}
-
-QString oxMovieExport::prepareOutputDirectory(const oxRenderSettingsPresetSPtr& record) const
-{
-    if (!record)
-        return QString();
-    std::string directory = oxFile::getFilePath(oxFile::expandFilename(record->filename));
-    if (record->isStillCameraTrackView()) {
-        // All images of a still track go into a folder of the track's name, unless the file
-        // name already points into it.
-        const std::string trackName = oxNodeUtils::getName(record->getViewNode());
-        if (QDir(QString::fromStdString(directory)).dirName().toStdString() != trackName)
-            directory += "\\" + trackName;
-    }
-    const QString result = QString::fromStdString(directory);
-    if (oxImageWriter::isStreamOutput())
-        return result;
-    if (!oxFile::exists(directory, false, false) && !oxFile::createPath(directory)) {
-        oxLog::error("Unable to create directory %s", directory.c_str());
-        return QString();
-    }
-    return result;
-}
-
-QStringList oxMovieExport::filterExistingFiles(const QStringList& list) const
+QStringList filterExistingFiles(const QStringList& list)
 {
     QStringList found;
     for (const QString& entry : list) {
@@ -104,7 +59,7 @@ QStringList oxMovieExport::filterExistingFiles(const QStringList& list) const
     return found;
 }
 
-QStringList oxMovieExport::filterUnwritableFiles(const QStringList& list) const
+QStringList filterUnwritableFiles(const QStringList& list)
 {
     QStringList found;
     for (const QString& entry : list) {
@@ -114,19 +69,19 @@ QStringList oxMovieExport::filterUnwritableFiles(const QStringList& list) const
     return found;
 }
 
-oxMovieExport::OverwriteChoice oxMovieExport::askOverwrite(const QStringList& list,
-                                                           bool allowRename)
+oxOverwriteChoice askOverwrite(const QStringList& list, bool allowRename, QWidget* parent)
 {
-    const QString text = tr("This operation will overwrite existing files! What do you want to "
-                            "do?\n\n") +
-                         tr("Files to be overwritten:\n") + joinedForPeople(list);
+    const QString text =
+        translated("This operation will overwrite existing files! What do you want to "
+                   "do?\n\n") +
+        translated("Files to be overwritten:\n") + joinedForPeople(list);
     QOXScrollableMessageBox box(QMessageBox::Warning, oxPlatform::getAppVersionName(), text,
-                                QMessageBox::NoButton, renderSettingsWindow,
+                                QMessageBox::NoButton, parent,
                                 Qt::WindowFlags(kQuestionWindowFlags));
-    QPushButton* overwrite = box.addButton(tr("&Overwrite"), QMessageBox::ActionRole);
+    QPushButton* overwrite = box.addButton(translated("&Overwrite"), QMessageBox::ActionRole);
     QPushButton* rename =
-        allowRename ? box.addButton(tr("&Rename"), QMessageBox::ActionRole) : nullptr;
-    QPushButton* cancel = box.addButton(tr("Cancel"), QMessageBox::ActionRole);
+        allowRename ? box.addButton(translated("&Rename"), QMessageBox::ActionRole) : nullptr;
+    QPushButton* cancel = box.addButton(translated("Cancel"), QMessageBox::ActionRole);
     box.setDefaultButton(overwrite);
     box.setEscapeButton(cancel);
     box.makeScrollable(kQuestionWidth, kQuestionHeight);
@@ -139,18 +94,18 @@ oxMovieExport::OverwriteChoice oxMovieExport::askOverwrite(const QStringList& li
     return OverwriteFiles;
 }
 
-oxMovieExport::WriteChoice oxMovieExport::askUnwritable(const QStringList& list, bool allowRename)
+oxWriteChoice askUnwritable(const QStringList& list, bool allowRename, QWidget* parent)
 {
-    const QString text = tr("Unable to write files! What do you want to do?\n\n") +
-                         tr("Files that can not be written:\n") + joinedForPeople(list);
+    const QString text = translated("Unable to write files! What do you want to do?\n\n") +
+                         translated("Files that can not be written:\n") + joinedForPeople(list);
     QOXScrollableMessageBox box(QMessageBox::Warning, oxPlatform::getAppVersionName(), text,
-                                QMessageBox::NoButton, renderSettingsWindow,
+                                QMessageBox::NoButton, parent,
                                 Qt::WindowFlags(kQuestionWindowFlags));
-    QPushButton* retry = box.addButton(tr("Retry"), QMessageBox::ActionRole);
-    QPushButton* ignore = box.addButton(tr("Ignore"), QMessageBox::ActionRole);
+    QPushButton* retry = box.addButton(translated("Retry"), QMessageBox::ActionRole);
+    QPushButton* ignore = box.addButton(translated("Ignore"), QMessageBox::ActionRole);
     QPushButton* rename =
-        allowRename ? box.addButton(tr("&Rename"), QMessageBox::ActionRole) : nullptr;
-    QPushButton* cancel = box.addButton(tr("Cancel"), QMessageBox::ActionRole);
+        allowRename ? box.addButton(translated("&Rename"), QMessageBox::ActionRole) : nullptr;
+    QPushButton* cancel = box.addButton(translated("Cancel"), QMessageBox::ActionRole);
     box.setDefaultButton(retry);
     box.setEscapeButton(cancel);
     box.makeScrollable(kQuestionWidth, kQuestionHeight);
@@ -165,45 +120,46 @@ oxMovieExport::WriteChoice oxMovieExport::askUnwritable(const QStringList& list,
     return CancelWrite;
 }
 
-oxMovieExport::OverwriteChoice oxMovieExport::checkOverwrite(const QStringList& list)
+oxOverwriteChoice checkOverwrite(const QStringList& list, QWidget* parent)
 {
     const QStringList found = filterExistingFiles(list);
     if (found.isEmpty())
         return NothingToOverwrite;
-    return askOverwrite(found, true);
+    return askOverwrite(found, true, parent);
 }
 
-oxMovieExport::WriteChoice oxMovieExport::checkWriteAccess(const QStringList& list)
+oxWriteChoice checkWriteAccess(const QStringList& list, QWidget* parent)
 {
     for (;;) {
         // Files may have become writable while the user was asked: look again each round.
         const QStringList found = filterUnwritableFiles(list);
         if (found.isEmpty())
             return NothingUnwritable;
-        const WriteChoice choice = askUnwritable(found, true);
+        const oxWriteChoice choice = askUnwritable(found, true, parent);
         if (choice != RetryWrite)
             return choice;
     }
 }
 
-bool oxMovieExport::checkOutputFiles(const oxRenderSettingsPresetSPtr& record, bool askForName)
+bool checkOutputFiles(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                      bool askForName, const std::function<bool()>& chooseName, QWidget* parent)
 {
     if (!record)
         return false;
-    OverwriteChoice lastOverwrite = CancelOverwrite;
-    WriteChoice lastWrite = CancelWrite;
+    oxOverwriteChoice lastOverwrite = CancelOverwrite;
+    oxWriteChoice lastWrite = CancelWrite;
     for (;;) {
         if (askForName || lastOverwrite == RenameFiles || lastWrite == RenameUnwritable) {
-            if (!chooseOutputFile(record))
+            if (!chooseName())
                 return false;
         }
         QStringList list;
-        walkRenderPlan(record, list, PlanCollect);
-        lastOverwrite = checkOverwrite(list);
+        walkRenderPlan(writer, record, list, PlanCollect, QString());
+        lastOverwrite = checkOverwrite(list, parent);
         if (lastOverwrite == CancelOverwrite)
             return false;
         // Asked even when the name is about to change by a Rename: one round asks both.
-        lastWrite = checkWriteAccess(list);
+        lastWrite = checkWriteAccess(list, parent);
         if (lastWrite == CancelWrite)
             return false;
         if (lastOverwrite == RenameFiles || lastWrite == RenameUnwritable)
@@ -212,10 +168,10 @@ bool oxMovieExport::checkOutputFiles(const oxRenderSettingsPresetSPtr& record, b
     }
 }
 
-bool oxMovieExport::chooseOutputFile(const oxRenderSettingsPresetSPtr& record)
+QString chooseOutputFileName(const oxRenderSettingsPresetSPtr& record)
 {
     if (!record)
-        return false;
+        return QString();
     QString name;
     if (!record->isMovieExport()) {
         name = runImageFileDialog(record);
@@ -235,83 +191,14 @@ bool oxMovieExport::chooseOutputFile(const oxRenderSettingsPresetSPtr& record)
         }
         QString filter = QStringLiteral("*.avi");
         // Existing files are the business of the checks that follow, not of the dialog.
-        name = QFileDialog::getSaveFileName(nullptr, tr("Save Rendering(s)..."), name, filter,
-                                            &filter, QFileDialog::DontConfirmOverwrite);
+        name = QFileDialog::getSaveFileName(nullptr, translated("Save Rendering(s)..."), name,
+                                            filter, &filter, QFileDialog::DontConfirmOverwrite);
         if (name.isEmpty())
-            return false;
+            return QString();
         if (!endsWithNoCase(name, QLatin1String(kMovieExtension))) {
             oxLog::error("Movie format not supported!");
-            return false;
+            return QString();
         }
     }
-    if (name.isEmpty())
-        return false;
-    record->filename = oxFileIO::toUtf8std(name);
-    if (oxRenderSettings* window = renderSettingsWindow) {
-        window->getCurrentPreset().filename = record->filename;
-        window->updateGUI();
-    }
-    return true;
-}
-
-void oxMovieExport::openFileDialog()
-{
-    if (oxRenderSettings* window = renderSettingsWindow)
-        chooseOutputFile(window->getCurrentRenderSettings());
-}
-
-void checkFileWritingForPresetCB(oxMessage& message)
-{
-    std::string name;
-    if (!theMovieExport || !message.get("preset", name))
-        return;
-    const oxRenderSettingsPresetSPtr preset = findPreset(name);
-    if (!preset)
-        return;
-    const bool goOn = theMovieExport->checkOutputFiles(preset, false);
-    message.set("cancel", !goOn);
-    message.set("filename", preset->filename);
-}
-
-void checkFileWritingForPresetsCB(oxMessage& message)
-{
-    using NamedPresets = std::vector<std::pair<std::string, std::string>>;
-    NamedPresets presets;
-    if (!theMovieExport || !message.get("presets", presets))
-        return;
-    for (;;) {
-        QStringList unwritableReport;
-        QStringList existingReport;
-        for (const auto& [shownText, presetName] : presets) {
-            const oxRenderSettingsPresetSPtr preset = findPreset(presetName);
-            if (!preset)
-                continue;
-            QStringList list;
-            theMovieExport->walkRenderPlan(preset, list, PlanCollect);
-            const QStringList existing = theMovieExport->filterExistingFiles(list);
-            const QStringList unwritable = theMovieExport->filterUnwritableFiles(list);
-            // The presets' texts stand as headers above their files.
-            if (!unwritable.isEmpty())
-                unwritableReport << QString::fromStdString(shownText) << unwritable;
-            if (!existing.isEmpty())
-                existingReport << QString::fromStdString(shownText) << existing;
-        }
-        if (!existingReport.isEmpty() &&
-            theMovieExport->askOverwrite(existingReport, false) == oxMovieExport::CancelOverwrite) {
-            message.set("cancel", true);
-            return;
-        }
-        if (!unwritableReport.isEmpty()) {
-            const oxMovieExport::WriteChoice choice =
-                theMovieExport->askUnwritable(unwritableReport, false);
-            if (choice == oxMovieExport::RetryWrite)
-                continue;
-            if (choice == oxMovieExport::CancelWrite) {
-                message.set("cancel", true);
-                return;
-            }
-        }
-        message.set("cancel", false);
-        return;
-    }
+    return name;
 }

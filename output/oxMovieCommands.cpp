@@ -1,16 +1,12 @@
 #include "oxMovieCommands.h"
 
-#include "QOXDockWindowManager.h"
 #include "oxController.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
 #include "oxLog.h"
 #include "oxMessage.h"
-#include "oxMessageHelpers.h"
-#include "oxMovieExport.h"
-#include "oxMovieExportCallbacks.h"
+#include "oxOutputHost.h"
 #include "oxRaytracer.h"
-#include "oxRenderSettings.h"
 #include "oxSceneGraph.h"
 #include "oxSceneServices.h"
 #include "oxSnapshots.h"
@@ -24,18 +20,6 @@ namespace {
 
 // The export type that writes one AVI movie; every other value writes image files.
 constexpr int kExportTypeAVI = 1;
-// Frames the window's range spans when another module sets its start.
-constexpr int kExportMovieFrameSpan = 50;
-// The dock that the exportMovie callback brings out.
-const char kRenderSettingsDockName[] = "RenderSettings";
-
-oxImageWriter* moduleWriter(const char* command)
-{
-    if (theMovieExport && theMovieExport->getImageWriter())
-        return theMovieExport->getImageWriter();
-    oxLog::error("%s: the render settings module is not loaded, nothing was exported.", command);
-    return nullptr;
-}
 
 // The arguments that every form comes down to.
 struct AnimationExport {
@@ -59,7 +43,7 @@ void exportUnnamed(const char* filename, const AnimationExport& a)
 {
     if (!filename)
         return;
-    oxImageWriter* writer = moduleWriter("createMovie");
+    oxImageWriter* writer = oxOutputHost::writerFor("createMovie");
     if (!writer)
         return;
     oxController::setBusy(true, false);
@@ -79,7 +63,7 @@ void exportNamed(const char* command, const char* movie, const char* filename, A
 {
     if (!movie || !filename)
         return;
-    oxImageWriter* writer = moduleWriter(command);
+    oxImageWriter* writer = oxOutputHost::writerFor(command);
     if (!writer)
         return;
     a.step = std::max(1, a.step);
@@ -290,23 +274,4 @@ void renderStepAnimation(const char* animation, const char* filename, int width,
     exportNamed("renderStepAnimation", animation, filename,
                 unnamed(width, height, fps, startFrame, stopFrame, ssf, alpha, alphaRed, alphaGreen,
                         alphaBlue, overwrite, alphaPremultiply, step, false));
-}
-
-void exportMovieCB(oxMessage& message)
-{
-    oxRenderSettings* window = theMovieExport ? theMovieExport->getRenderSettingsWindow() : nullptr;
-    if (!window)
-        return;
-    oxRenderSettingsPreset& settings = window->getCurrentPreset();
-    int start = 0;
-    if (getFromMessage(message, "start", start)) {
-        settings.startFrame = start;
-        settings.stopFrame = start + kExportMovieFrameSpan;
-    }
-    int fps = 0;
-    if (getFromMessage(message, "fps", fps))
-        settings.fps = fps;
-    window->updateGUI();
-    if (QOXDockWindowManager* docks = oxController::getDockWindowManager())
-        docks->undock(QString::fromLatin1(kRenderSettingsDockName));
 }

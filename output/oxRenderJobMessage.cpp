@@ -1,34 +1,48 @@
 #include "oxRenderJobMessage.h"
 
-#include "oxController.h"
 #include "oxMessage.h"
+#include "oxMessageHelpers.h"
 #include "oxRenderParameter.h"
 #include "oxRenderPasses.h"
-#include "oxRenderSettings.h"
-#include "oxRenderSettingsPresetFile.h"
-
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
 
 namespace {
 
 using Preset = oxRenderSettingsPreset;
 
+using Values = oxRenderJobWindowValues;
+
 // The value of a record field, as the field's own type.
 template <auto Field>
-boost::any field(oxRenderSettings& window)
+boost::any field(const Preset& record, const Values&)
 {
-    return window.getCurrentPreset().*Field;
+    return record.*Field;
 }
 
-// A count of the render statistics, from the label that shows it.
-template <auto Label>
-boost::any count(oxRenderSettings& window)
+// A value the window gives, as the queue expects its type.
+template <auto Value>
+boost::any value(const Preset&, const Values& window)
 {
-    return (window.*Label)->text().toInt();
+    return window.*Value;
 }
+
+// The denoise type that an old "use denoise filter" flag stands for.
+constexpr unsigned int kDeepLearningStillframe = 2;
+// The supersampling factor the image writer takes for "on".
+constexpr int kSupersamplingOn = 3;
+constexpr double kCentimetresPerInch = 2.54;
+
+// Reads key into the field when the job has it with the field's type.
+struct FieldReader {
+    const oxMessage& job;
+    const char* key;
+    Preset& preset;
+
+    template <typename T>
+    bool operator()(T Preset::*member) const
+    {
+        return getFromMessage(job, key, preset.*member);
+    }
+};
 
 } // namespace
 
@@ -52,36 +66,39 @@ const std::array<oxRenderJobAttribute, 35> kRenderJobAttributes = {{
     {oxJobKey::TonemapHDR, field<&Preset::tonemap_hdr>},
     // The raytracing values come live from the renderer, not from the record.
     {oxJobKey::ImageSamples,
-     [](oxRenderSettings&) -> boost::any { return oxRenderParameter::getImageSamples(); }},
+     [](const Preset&, const Values&) -> boost::any {
+         return oxRenderParameter::getImageSamples();
+     }},
     {oxJobKey::StillQualityMode,
-     [](oxRenderSettings&) -> boost::any { return oxRenderParameter::getStillFrameQualityMode(); }},
+     [](const Preset&, const Values&) -> boost::any {
+         return oxRenderParameter::getStillFrameQualityMode();
+     }},
     {oxJobKey::RenderTime,
-     [](oxRenderSettings&) -> boost::any {
+     [](const Preset&, const Values&) -> boost::any {
          return int(oxRenderParameter::getRenderTimeInSeconds());
      }},
     {oxJobKey::UseTimeLimit,
-     [](oxRenderSettings&) -> boost::any { return oxRenderParameter::getUseRenderTimeLimit(); }},
+     [](const Preset&, const Values&) -> boost::any {
+         return oxRenderParameter::getUseRenderTimeLimit();
+     }},
     {oxJobKey::Fps, field<&Preset::fps>},
     {oxJobKey::StartFrame, field<&Preset::startFrame>},
     {oxJobKey::StopFrame, field<&Preset::stopFrame>},
     {oxJobKey::StepFrame, field<&Preset::stepFrame>},
-    {oxJobKey::ImageSizePreset,
-     [](oxRenderSettings& window) -> boost::any {
-         return window._imageSizes->currentText().toStdString();
-     }},
+    {oxJobKey::ImageSizePreset, value<&Values::imageSizePreset>},
     // The queue tells movies from image series by this; it is not the export type.
     {oxJobKey::AnimationFormat,
-     [](oxRenderSettings& window) -> boost::any {
-         return window.getCurrentPreset().isMovieExport() ? 1 : 0;
+     [](const Preset& record, const Values&) -> boost::any {
+         return record.isMovieExport() ? 1 : 0;
      }},
     {oxJobKey::UseClipRange, field<&Preset::useClipRange>},
-    {oxJobKey::TotalRenders, count<&oxRenderSettings::_totalRenderCount>},
-    {oxJobKey::Viewpoints, count<&oxRenderSettings::_viewpointCount>},
-    {oxJobKey::RenderPasses, count<&oxRenderSettings::_renderPassesCount>},
-    {oxJobKey::AnimationRenders, count<&oxRenderSettings::_animationFrameCount>},
-    {oxJobKey::VariantSets, count<&oxRenderSettings::_variantSetCount>},
-    {oxJobKey::VariantSetRenders, count<&oxRenderSettings::_variantSetRenderCount>},
-    {oxJobKey::TotalFiles, count<&oxRenderSettings::_totalFileCount>},
+    {oxJobKey::TotalRenders, value<&Values::totalRenders>},
+    {oxJobKey::Viewpoints, value<&Values::viewpoints>},
+    {oxJobKey::RenderPasses, value<&Values::renderPasses>},
+    {oxJobKey::AnimationRenders, value<&Values::animationRenders>},
+    {oxJobKey::VariantSets, value<&Values::variantSets>},
+    {oxJobKey::VariantSetRenders, value<&Values::variantSetRenders>},
+    {oxJobKey::TotalFiles, value<&Values::totalFiles>},
 }};
 
 const std::array<oxRenderJobReadKey, 36> kRenderJobReadKeys = {{
@@ -125,32 +142,59 @@ const std::array<oxRenderJobReadKey, 36> kRenderJobReadKeys = {{
     {oxJobKey::UseClipRange, &Preset::useClipRange, oxJobReadRule::Plain},
 }};
 
-oxMessage makeRenderJobMessage(oxRenderSettings& window)
+oxMessage makeRenderJobMessage(const oxRenderSettingsPreset& record,
+                               const oxRenderJobWindowValues& window)
 {
     oxMessage message(0);
     for (const oxRenderJobAttribute& attribute : kRenderJobAttributes)
-        message.set(attribute.key, attribute.value(window), true);
-    const oxRenderSettingsPreset& preset = window.getCurrentPreset();
-    message.set(oxRenderPassMaster::sceneKey, preset.renderpasses, true);
+        message.set(attribute.key, attribute.value(record, window), true);
+    message.set(oxRenderPassMaster::sceneKey, record.renderpasses, true);
     for (PassFlag flag : kPassFlagSceneKeyOrder)
-        message.set(passFlagInfo(flag).sceneKey, preset.getPassFlag(flag), true);
+        message.set(passFlagInfo(flag).sceneKey, record.getPassFlag(flag), true);
     // Present even when the cluster is off, so that the queue never falls back to old hosts.
-    const std::string hosts =
-        window._cluster->isChecked() ? window._cluster_hosts->text().toStdString() : std::string();
-    message.set(oxJobKey::ClusterHosts, hosts, true);
+    message.set(oxJobKey::ClusterHosts, window.clusterHosts, true);
     return message;
 }
 
-void oxRenderSettings::buildRenderJobMessage()
+std::optional<std::string> readRenderJobMessage(const oxMessage& job,
+                                                oxRenderSettingsPreset& preset)
 {
-    oxMessage message = makeRenderJobMessage(*this);
-    oxController::call("addRenderJobProxy", message, 0);
-}
-
-void oxRenderSettings::notifyRenderStarted(const char* sender)
-{
-    const auto record = std::make_shared<oxRenderSettingsPreset>(currentPreset);
-    oxMessage message = writePresetsToMessage(oxRenderSettingsPresets{record});
-    message.set("sender", boost::any(sender), true);
-    oxController::call("oxRenderSettings::render", message, 0);
+    for (const oxRenderJobReadKey& entry : kRenderJobReadKeys) {
+        switch (entry.rule) {
+        case oxJobReadRule::Plain:
+        case oxJobReadRule::DenoiseType:
+            std::visit(FieldReader{job, entry.key, preset}, entry.field);
+            break;
+        case oxJobReadRule::PrintSize:
+            std::visit(FieldReader{job, entry.key, preset}, entry.field);
+            if (preset.ppi > 0.0f) {
+                preset.printWidth =
+                    float(double(preset.pixel_width) / double(preset.ppi) * kCentimetresPerInch);
+                preset.printHeight =
+                    float(double(preset.pixel_height) / double(preset.ppi) * kCentimetresPerInch);
+            }
+            break;
+        case oxJobReadRule::Supersampling: {
+            int factor = 0;
+            if (getFromMessage(job, entry.key, factor))
+                preset.ssFactor = factor > 0 ? kSupersamplingOn : 0;
+            break;
+        }
+        case oxJobReadRule::DenoiseFlag: {
+            bool oldDenoiseFlag = false;
+            getFromMessage(job, entry.key, oldDenoiseFlag);
+            // Old jobs switched the denoiser on by a flag; type 1 is an old name of 2.
+            if (oldDenoiseFlag || preset.denoiseFilterType == 1)
+                preset.denoiseFilterType = kDeepLearningStillframe;
+            break;
+        }
+        }
+    }
+    getFromMessage(job, oxRenderPassMaster::sceneKey, preset.renderpasses);
+    for (PassFlag flag : kPassFlagSceneKeyOrder)
+        getFromMessage(job, passFlagInfo(flag).sceneKey, preset.passFlag(flag));
+    std::string hosts;
+    if (!getFromMessage(job, oxJobKey::ClusterHosts, hosts))
+        return std::nullopt;
+    return hosts;
 }

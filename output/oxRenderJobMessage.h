@@ -5,10 +5,11 @@
 #include <boost/any.hpp>
 
 #include <array>
+#include <optional>
+#include <string>
 #include <variant>
 
 class oxMessage;
-class oxRenderSettings;
 
 // The render job record: what the render queue gets of a job, and what it hands back when a
 // job's settings return to the window. Key texts are the queue's contract, misspellings
@@ -62,11 +63,27 @@ constexpr const char* TotalFiles = "ImageExport statistics toal files";
 constexpr const char* ClusterHosts = "Export cluster hosts";
 } // namespace oxJobKey
 
-/// One attribute of the job record before the pass keys: its key and how the window gives
-/// its value (typed as the queue expects it).
+/// What a job record takes from the window beside the window's settings: the image size
+/// preset it shows, the counts of its render statistics, and the cluster hosts (empty when
+/// the cluster is off).
+struct oxRenderJobWindowValues {
+    std::string imageSizePreset;
+    int totalRenders = 0;
+    int viewpoints = 0;
+    int renderPasses = 0;
+    int animationRenders = 0;
+    int variantSets = 0;
+    int variantSetRenders = 0;
+    int totalFiles = 0;
+    std::string clusterHosts;
+};
+
+/// One attribute of the job record before the pass keys: its key and how its value (typed as
+/// the queue expects it) comes from the window's settings and values.
 struct oxRenderJobAttribute {
     const char* key;
-    boost::any (*value)(oxRenderSettings& window);
+    boost::any (*value)(const oxRenderSettingsPreset& record,
+                        const oxRenderJobWindowValues& window);
 };
 
 /// The attributes before the pass keys, in the order they are set. The record goes on with
@@ -74,8 +91,9 @@ struct oxRenderJobAttribute {
 /// order) and ends with oxJobKey::ClusterHosts.
 extern const std::array<oxRenderJobAttribute, 35> kRenderJobAttributes;
 
-/// The job record of the window's current settings (id 0).
-oxMessage makeRenderJobMessage(oxRenderSettings& window);
+/// The job record (id 0) of the window's settings record and its values.
+oxMessage makeRenderJobMessage(const oxRenderSettingsPreset& record,
+                               const oxRenderJobWindowValues& window);
 
 /// How a job's value comes back into a record field.
 enum class oxJobReadRule {
@@ -101,3 +119,9 @@ struct oxRenderJobReadKey {
 
 /// The keys a returning job is read by, in reading order; the pass keys follow.
 extern const std::array<oxRenderJobReadKey, 36> kRenderJobReadKeys;
+
+/// Reads a returning job into record by kRenderJobReadKeys and the pass keys; keys the job
+/// lacks leave their fields as they are. The result holds the job's cluster hosts (possibly
+/// none), or nothing when the job doesn't name them.
+std::optional<std::string> readRenderJobMessage(const oxMessage& job,
+                                                oxRenderSettingsPreset& record);

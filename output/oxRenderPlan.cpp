@@ -1,13 +1,20 @@
 #include "oxRenderPlan.h"
 
+#include "oxFile.h"
+#include "oxFileIO.h"
+#include "oxImageWriter.h"
+#include "oxLog.h"
 #include "oxRenderAutomationVariantSetGroupsAccess.h"
 #include "oxSceneServices.h"
 #include "oxVariants.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QStringList>
 
 namespace {
+
+const char kMovieExtension[] = ".avi";
 
 const QString& nameSeparator()
 {
@@ -182,4 +189,116 @@ void insertTimestamp(const oxRenderSettingsPresetSPtr& record, QString& path)
 QString withoutLongPathPrefix(QString name)
 {
     return name.remove(QLatin1String(kLongPathPrefix), Qt::CaseSensitive);
+}
+
+bool validateOutputFilename(const oxRenderSettingsPreset& record)
+{
+    const QString name = QString::fromStdString(record.filename);
+    const bool isMovieName = name.endsWith(QLatin1String(kMovieExtension), Qt::CaseInsensitive);
+    if (name.isEmpty() || isMovieName != record.isMovieExport()) {
+        oxLog::error("%s", kBadFilenameMessage);
+        return false;
+    }
+    return true;
+}
+
+QString prepareOutputDirectory(const oxRenderSettingsPresetSPtr& record)
+{
+    if (!record)
+        return QString();
+    std::string directory = oxFile::getFilePath(oxFile::expandFilename(record->filename));
+    if (record->isStillCameraTrackView()) {
+        // All images of a still track go into a folder of the track's name, unless the file
+        // name already points into it.
+        const std::string trackName = oxNodeUtils::getName(record->getViewNode());
+        if (QDir(QString::fromStdString(directory)).dirName().toStdString() != trackName)
+            directory += "\\" + trackName;
+    }
+    const QString result = QString::fromStdString(directory);
+    if (oxImageWriter::isStreamOutput())
+        return result;
+    if (!oxFile::exists(directory, false, false) && !oxFile::createPath(directory)) {
+        oxLog::error("Unable to create directory %s", directory.c_str());
+        return QString();
+    }
+    return result;
+}
+
+bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                    QStringList& list, PlanFlags flags, const QString& clusterHosts)
+{
+    if (!record)
+        return false;
+    if (!validateOutputFilename(*record)) {
+        oxLog::error("%s", kBadFilenameMessage);
+        return false;
+    }
+    const QString directory = prepareOutputDirectory(record);
+    if (directory.isEmpty())
+        return false;
+    const QString baseName = QString::fromStdString(oxFile::getBaseName(record->filename));
+
+    const oxRenderSteps cameraSteps = oxCameraRenderSettings(record).getRenderSteps();
+    const oxVariantSetRenderSettings variantSettings(record);
+    const uint64_t tupleCount = variantSettings.getStepCount();
+    const QString extension = QString::fromStdString(record->getFileExtension(true));
+    const bool exporting = (flags & PlanExport) != 0;
+    oxAnimManager* animations = oxAnimManager::the();
+
+    for (const oxRenderStepSPtr& cameraStep : cameraSteps) {
+        const QString cameraName = cameraStep->decorateName(baseName);
+        if (flags & PlanActivateCamera)
+            cameraStep->apply();
+        for (uint64_t tuple = 0; tuple < tupleCount; ++tuple) {
+            const oxRenderStepSPtr variantStep = variantSettings.getStep(tuple);
+            const QString name = variantStep->decorateName(cameraName);
+            if (flags & PlanActivateVariantSet)
+                variantStep->apply();
+            QString path = directory + QLatin1Char('\\') + name + extension;
+            path = oxFileIO::getLongWindowsPath(path);
+            insertTimestamp(record, path);
+
+            const int width = record->getPixelWidth();
+            const int height = record->getPixelHeight();
+            if (!record->renderAnimation) {
+                list << writer.getExportedImageFilenames(path, record->getRenderPassIds(),
+                                                         record->multiLayer);
+                if (exporting)
+                    writer.exportImage(path, width, height, record->ssFactor, record->alpha,
+                                       float(record->getPixelsPerInch()),
+                                       record->hasSelectedRenderPass(), clusterHosts, false,
+                                       record->tonemap_hdr);
+            } else {
+                const oxRenderSettingsPreset::AnimationRange range = record->getAnimationRange();
+                const int start = int(range.firstFrame);
+                const int stop = int(range.lastFrame);
+                const int step = int(range.step);
+                animations->setMotionBlurObjectID(range.animationId);
+                if (!record->isMovieExport()) {
+                    list << writer.getExportedImageFilenames(path, record->getRenderPassIds(),
+                                                             record->multiLayer, start, stop, step);
+                    if (exporting)
+                        writer.exportImages(
+                            path, width, height, record->fps, start, stop, record->ssFactor,
+                            record->alpha, record->hasSelectedRenderPass(),
+                            int64_t(range.animationId), clusterHosts, step, record->tonemap_hdr);
+                } else {
+                    // Frames and passes don't multiply a movie: it is one file.
+                    list << path;
+                    if (exporting)
+                        writer.exportAVI(path, width, height, record->fps, start, stop,
+                                         record->ssFactor, int64_t(range.animationId), clusterHosts,
+                                         false);
+                }
+                animations->resetMotionBlurObjectID();
+            }
+            if (flags & PlanFirstTupleOnly)
+                break;
+            if (exporting && writer.wasExportCanceled())
+                break;
+        }
+        if (exporting && writer.wasExportCanceled())
+            break;
+    }
+    return exporting && writer.wasExportCanceled();
 }

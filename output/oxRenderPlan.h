@@ -4,6 +4,7 @@
 #include "oxdObject.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
 #include <memory>
@@ -131,3 +132,21 @@ constexpr const char* kBadFilenameMessage = "Bad Filename, please choose a valid
 constexpr const char* kLongPathPrefix = "\\\\?\\";
 /// name with every long path prefix removed, as people and scripts see it.
 QString withoutLongPathPrefix(QString name);
+
+class oxImageWriter;
+
+/// Whether record's file name can be written: not empty, and a movie name (".avi") exactly
+/// when the job exports a movie. Logs kBadFilenameMessage when not.
+bool validateOutputFilename(const oxRenderSettingsPreset& record);
+/// The folder the job of record writes into, created when missing (a still of a camera track
+/// writes into a folder of the track's name); empty, after an error line, when it can't be
+/// created. Stream output creates nothing.
+QString prepareOutputDirectory(const oxRenderSettingsPresetSPtr& record);
+
+/// Walks the job of record: each camera step, inside it each variant set tuple, and appends
+/// every file name the unit writes to list; flags say what else happens (PlanFlags), writer
+/// names and exports the files, clusterHosts is handed to each export. With PlanExport the
+/// result is whether the writer was cancelled, else false. A bad file name or a directory
+/// that can't be created leaves list untouched.
+bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                    QStringList& list, PlanFlags flags, const QString& clusterHosts);

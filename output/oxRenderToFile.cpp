@@ -1,9 +1,9 @@
-#include "oxMovieExport.h"
+#include "oxRenderToFile.h"
 
-#include "oxActiveRenderPasses.h"
 #include "oxController.h"
 #include "oxFile.h"
 #include "oxFileIO.h"
+#include "oxActiveRenderPasses.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
 #include "oxLog.h"
@@ -11,8 +11,7 @@
 #include "oxOSGWidget.h"
 #include "oxRaytracer.h"
 #include "oxRenderParameter.h"
-#include "oxRenderSettings.h"
-#include "oxRenderSettingsPresetFile.h"
+#include "oxRenderPlan.h"
 #include "oxSceneServices.h"
 
 #include <algorithm>
@@ -24,77 +23,7 @@ bool coversWholeImage(const std::array<float, 4>& region)
     return !(region[2] < 1.0f || region[3] < 1.0f || region[0] > 0.0f || region[1] > 0.0f);
 }
 
-} // namespace
-
-void oxMovieExport::clickedRender()
-{
-    oxRenderSettings* window = renderSettingsWindow;
-    if (!window)
-        return;
-    const oxRenderSettingsPresetSPtr record = window->getCurrentRenderSettings();
-    if (!checkOutputFiles(record, true))
-        return;
-    // The user has just decided about every existing file: the writer must not ask again.
-    imageWriter->setNoOverwriteMessage(true);
-    renderPresetToFile(record);
-    // Listeners are told after the job, despite the notice's name.
-    window->notifyRenderStarted("Render");
-    imageWriter->setNoOverwriteMessage(false);
-}
-
-void oxMovieExport::applyFirstSettings()
-{
-    oxRenderSettings* window = renderSettingsWindow;
-    if (!window)
-        return;
-    QStringList unused;
-    walkRenderPlan(window->getCurrentRenderSettings(), unused, PlanApplyFirst);
-}
-
-bool oxMovieExport::renderPresetToFile(const oxRenderSettingsPresetSPtr& record)
-{
-    const bool wasSimulating = oxController::isSimulationEnable();
-    oxOSGWidget::cancelAntialiasing();
-    if (wasSimulating)
-        oxController::enableSimulation(false);
-    oxController::setBusy(true, false);
-
-    const QString directory = prepareOutputDirectory(record);
-    const std::string baseName = record ? oxFile::getBaseName(record->filename) : std::string();
-    if (directory.isEmpty() || baseName.empty()) {
-        oxController::setBusy(false, false);
-        if (wasSimulating)
-            oxController::enableSimulation(true);
-        return false;
-    }
-
-    const std::array<float, 4> savedRegion = applyRenderRegion(record);
-    applyActivePasses(record);
-    oxRaytracer::setPremultiply(record->premultiply);
-    pushExportSettings(record);
-
-    QStringList unused;
-    const bool canceled = walkRenderPlan(record, unused, PlanRender);
-
-    // The ICC profile and the format switches stay as the job set them, as do the scene's
-    // last camera and variant sets.
-    imageWriter->setAlphaColor(1.0f, 1.0f, 1.0f);
-    imageWriter->setMetaDataFlags(0);
-    oxRaytracer::setPremultiply(false);
-    resetActiveSnapshotMovieRenderPasses();
-    if (record->use_render_region) {
-        if (oxOSGWidget* view = oxOSGWidget::getMGLW(-1))
-            view->setRenderRegion(!coversWholeImage(savedRegion), savedRegion[0], savedRegion[1],
-                                  savedRegion[2], savedRegion[3]);
-    }
-    oxController::setBusy(false, false);
-    if (wasSimulating)
-        oxController::enableSimulation(true);
-    return canceled;
-}
-
-std::array<float, 4>
-oxMovieExport::applyRenderRegion(const oxRenderSettingsPresetSPtr& record) const
+std::array<float, 4> applyRenderRegion(const oxRenderSettingsPresetSPtr& record)
 {
     std::array<float, 4> saved{0.0f, 0.0f, 1.0f, 1.0f};
     if (!record->use_render_region)
@@ -114,25 +43,21 @@ oxMovieExport::applyRenderRegion(const oxRenderSettingsPresetSPtr& record) const
     return saved;
 }
 
-void oxMovieExport::applyActivePasses(const oxRenderSettingsPresetSPtr& record) const
+void pushExportSettings(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                        const oxRenderSettingsPreset* windowSettings)
 {
-    oxImageRenderWidget::setActiveRenderPasses(record->getRenderPassFlags());
-}
-
-void oxMovieExport::pushExportSettings(const oxRenderSettingsPresetSPtr& record) const
-{
-    imageWriter->setAlphaColor(record->backgroundColorR, record->backgroundColorG,
-                               record->backgroundColorB);
-    imageWriter->setICCProfile(record->iccProfileID);
-    imageWriter->setMetaDataFlags(record->metaDataFlags);
+    writer.setAlphaColor(record->backgroundColorR, record->backgroundColorG,
+                         record->backgroundColorB);
+    writer.setICCProfile(record->iccProfileID);
+    writer.setMetaDataFlags(record->metaDataFlags);
 
     constexpr int kFileOutputMetaData = FILEOUTPUT_IMAGE_SETTINGS | FILEOUTPUT_ANIMATION_SETTINGS |
                                         FILEOUTPUT_RENDERPASSES_SETTINGS | RAYTRACING_SETTINGS;
-    oxImageMetaData* metaData = imageWriter->getMetaData();
+    oxImageMetaData* metaData = writer.getMetaData();
     if (!record->isMovieExport() && (record->metaDataFlags & kFileOutputMetaData) && metaData &&
-        renderSettingsWindow) {
+        windowSettings) {
         // The window's own settings describe the images, not the frozen record.
-        const oxRenderSettingsPreset& current = renderSettingsWindow->getCurrentPreset();
+        const oxRenderSettingsPreset& current = *windowSettings;
         if (record->metaDataFlags & FILEOUTPUT_IMAGE_SETTINGS) {
             metaData->setFileOutputImageSettings(
                 current.pixel_width, current.pixel_height, current.ppi, current.ssFactor,
@@ -157,94 +82,52 @@ void oxMovieExport::pushExportSettings(const oxRenderSettingsPresetSPtr& record)
         }
     }
 
-    imageWriter->setExportTiffHDR(record->tiffHDR);
-    imageWriter->setExportExrHalf(record->exrHalf);
-    imageWriter->setExportMultiLayer(record->multiLayer);
+    writer.setExportTiffHDR(record->tiffHDR);
+    writer.setExportExrHalf(record->exrHalf);
+    writer.setExportMultiLayer(record->multiLayer);
 }
 
-QString oxMovieExport::clusterHosts() const
-{
-    const oxRenderSettings* window = renderSettingsWindow;
-    if (window && window->_cluster->isChecked())
-        return window->_cluster_hosts->text();
-    return QString();
-}
+} // namespace
 
-bool oxMovieExport::walkRenderPlan(const oxRenderSettingsPresetSPtr& record, QStringList& list,
-                                   PlanFlags flags)
+bool renderPresetToFile(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                        const oxRenderSettingsPreset* windowSettings, const QString& clusterHosts)
 {
-    if (!record)
-        return false;
-    if (!validateOutputFilename(record)) {
-        oxLog::error("%s", kBadFilenameMessage);
-        return false;
-    }
+    const bool wasSimulating = oxController::isSimulationEnable();
+    oxOSGWidget::cancelAntialiasing();
+    if (wasSimulating)
+        oxController::enableSimulation(false);
+    oxController::setBusy(true, false);
+
     const QString directory = prepareOutputDirectory(record);
-    if (directory.isEmpty())
+    const std::string baseName = record ? oxFile::getBaseName(record->filename) : std::string();
+    if (directory.isEmpty() || baseName.empty()) {
+        oxController::setBusy(false, false);
+        if (wasSimulating)
+            oxController::enableSimulation(true);
         return false;
-    const QString baseName = QString::fromStdString(oxFile::getBaseName(record->filename));
-
-    const oxRenderSteps cameraSteps = oxCameraRenderSettings(record).getRenderSteps();
-    const oxVariantSetRenderSettings variantSettings(record);
-    const uint64_t tupleCount = variantSettings.getStepCount();
-    const QString extension = QString::fromStdString(record->getFileExtension(true));
-    const bool exporting = (flags & PlanExport) != 0;
-    oxAnimManager* animations = oxAnimManager::the();
-
-    for (const oxRenderStepSPtr& cameraStep : cameraSteps) {
-        const QString cameraName = cameraStep->decorateName(baseName);
-        if (flags & PlanActivateCamera)
-            cameraStep->apply();
-        for (uint64_t tuple = 0; tuple < tupleCount; ++tuple) {
-            const oxRenderStepSPtr variantStep = variantSettings.getStep(tuple);
-            const QString name = variantStep->decorateName(cameraName);
-            if (flags & PlanActivateVariantSet)
-                variantStep->apply();
-            QString path = directory + QLatin1Char('\\') + name + extension;
-            path = oxFileIO::getLongWindowsPath(path);
-            insertTimestamp(record, path);
-
-            const int width = record->getPixelWidth();
-            const int height = record->getPixelHeight();
-            if (!record->renderAnimation) {
-                list << imageWriter->getExportedImageFilenames(path, record->getRenderPassIds(),
-                                                               record->multiLayer);
-                if (exporting)
-                    imageWriter->exportImage(path, width, height, record->ssFactor, record->alpha,
-                                             float(record->getPixelsPerInch()),
-                                             record->hasSelectedRenderPass(), clusterHosts(), false,
-                                             record->tonemap_hdr);
-            } else {
-                const oxRenderSettingsPreset::AnimationRange range = record->getAnimationRange();
-                const int start = int(range.firstFrame);
-                const int stop = int(range.lastFrame);
-                const int step = int(range.step);
-                animations->setMotionBlurObjectID(range.animationId);
-                if (!record->isMovieExport()) {
-                    list << imageWriter->getExportedImageFilenames(
-                        path, record->getRenderPassIds(), record->multiLayer, start, stop, step);
-                    if (exporting)
-                        imageWriter->exportImages(
-                            path, width, height, record->fps, start, stop, record->ssFactor,
-                            record->alpha, record->hasSelectedRenderPass(),
-                            int64_t(range.animationId), clusterHosts(), step, record->tonemap_hdr);
-                } else {
-                    // Frames and passes don't multiply a movie: it is one file.
-                    list << path;
-                    if (exporting)
-                        imageWriter->exportAVI(path, width, height, record->fps, start, stop,
-                                               record->ssFactor, int64_t(range.animationId),
-                                               clusterHosts(), false);
-                }
-                animations->resetMotionBlurObjectID();
-            }
-            if (flags & PlanFirstTupleOnly)
-                break;
-            if (exporting && imageWriter->wasExportCanceled())
-                break;
-        }
-        if (exporting && imageWriter->wasExportCanceled())
-            break;
     }
-    return exporting && imageWriter->wasExportCanceled();
+
+    const std::array<float, 4> savedRegion = applyRenderRegion(record);
+    oxImageRenderWidget::setActiveRenderPasses(record->getRenderPassFlags());
+    oxRaytracer::setPremultiply(record->premultiply);
+    pushExportSettings(writer, record, windowSettings);
+
+    QStringList unused;
+    const bool canceled = walkRenderPlan(writer, record, unused, PlanRender, clusterHosts);
+
+    // The ICC profile and the format switches stay as the job set them, as do the scene's
+    // last camera and variant sets.
+    writer.setAlphaColor(1.0f, 1.0f, 1.0f);
+    writer.setMetaDataFlags(0);
+    oxRaytracer::setPremultiply(false);
+    resetActiveSnapshotMovieRenderPasses();
+    if (record->use_render_region) {
+        if (oxOSGWidget* view = oxOSGWidget::getMGLW(-1))
+            view->setRenderRegion(!coversWholeImage(savedRegion), savedRegion[0], savedRegion[1],
+                                  savedRegion[2], savedRegion[3]);
+    }
+    oxController::setBusy(false, false);
+    if (wasSimulating)
+        oxController::enableSimulation(true);
+    return canceled;
 }

@@ -8,15 +8,15 @@
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageHelpers.h"
-#include "oxMovieExport.h"
-#include "oxMovieExportCallbacks.h"
+#include "oxOutputHost.h"
 #include "oxOSGImage.h"
 #include "oxOSGWidget.h"
 #include "oxPreferences.h"
 #include "oxRaytracer.h"
-#include "oxRenderSettings.h"
+#include "oxRenderSettingsKeys.h"
 
 #include <QApplication>
+#include <QCoreApplication>
 #include <QCursor>
 #include <QDateTime>
 #include <QFileDialog>
@@ -28,8 +28,6 @@
 
 namespace {
 
-const char kSnapshotPathKey[] = "SnapshotExport path";
-const char kDefaultSnapshotPath[] = "c:\\oxlin-snapshots";
 const char kSnapshotQualityKey[] = "ImageExport quality";
 
 // What each argument of setSnapshotEmbedMetaData adds to the writer's metadata flags, in the
@@ -48,29 +46,21 @@ constexpr MetaDataChoice kSnapshotMetaDataChoices[] = {
     {"embedSwitchMaterialStates", oxImageMetaData::SWITCH_MATERIAL_STATES},
 };
 
-// The module's writer; scripts may call before the plug-in is up, which is reported once per
-// call and makes the command fail.
-oxImageWriter* moduleWriter(const char* command)
-{
-    if (theMovieExport && theMovieExport->getImageWriter())
-        return theMovieExport->getImageWriter();
-    oxLog::error("%s: the render settings module is not loaded, nothing was exported.", command);
-    return nullptr;
-}
+QString translated(const char* text) { return QCoreApplication::translate("oxMovieExport", text); }
 
 QString fromUtf8(const char* text) { return QString::fromUtf8(text ? text : ""); }
 
 void dialogSnapshot(int width, int height, int ssf, int alpha, float dpi)
 {
-    oxImageWriter* writer = moduleWriter("createSnapshot");
+    oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return;
     oxController::setBusy(true, false);
-    oxRenderSettings* window = theMovieExport->getRenderSettingsWindow();
     // The record only gives the dialog its start name; it lives for this call.
-    const oxRenderSettingsPresetSPtr record =
-        window ? window->getCurrentRenderSettings() : std::make_shared<oxRenderSettingsPreset>();
-    const QString filename = theMovieExport->runImageFileDialog(record);
+    oxRenderSettingsPresetSPtr record = oxOutputHost::current()->captureWindowSettings();
+    if (!record)
+        record = std::make_shared<oxRenderSettingsPreset>();
+    const QString filename = runImageFileDialog(record);
     if (!filename.isEmpty())
         writer->exportImage(filename, width, height, supersamplingMode(ssf), alpha, dpi, false,
                             QString(), false, false);
@@ -81,7 +71,7 @@ bool shortSnapshot(const char* filename, int width, int height, int mode, int al
 {
     if (!filename)
         return false;
-    oxImageWriter* writer = moduleWriter("createSnapshot");
+    oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return false;
     oxController::setBusy(true, false);
@@ -100,7 +90,7 @@ bool longSnapshot(const char* filename, int width, int height, int ssf, bool alp
 {
     if (!filename)
         return false;
-    oxImageWriter* writer = moduleWriter("createSnapshot");
+    oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return false;
     oxController::setBusy(true, false);
@@ -208,15 +198,15 @@ void createSnapshotFastInit(int width, int height) { createSnapshotFastInit(widt
 
 void createSnapshotFastInit(int width, int height, int ssf)
 {
-    if (moduleWriter("createSnapshotFastInit"))
-        theMovieExport->initFastSnapshots(width, height, supersamplingMode(ssf));
+    if (oxOutputHost::writerFor("createSnapshotFastInit"))
+        oxOutputHost::current()->initFastSnapshots(width, height, supersamplingMode(ssf));
 }
 
 bool createSnapshotFast(const char* filename)
 {
     if (!filename)
         return false;
-    oxImageWriter* writer = moduleWriter("createSnapshotFast");
+    oxImageWriter* writer = oxOutputHost::writerFor("createSnapshotFast");
     if (!writer)
         return false;
     oxController::setBusy(true, false);
@@ -237,7 +227,7 @@ bool createSnapshotFast(const char* filename)
 
 void createSnapshotFastTerminate()
 {
-    if (oxImageWriter* writer = moduleWriter("createSnapshotFastTerminate"))
+    if (oxImageWriter* writer = oxOutputHost::writerFor("createSnapshotFastTerminate"))
         writer->exportImageFastTerminate();
 }
 
@@ -248,13 +238,13 @@ void setSnapshotQuality(int quality)
 
 void setSnapshotNoShowImage(bool state)
 {
-    if (oxImageWriter* writer = moduleWriter("setSnapshotNoShowImage"))
+    if (oxImageWriter* writer = oxOutputHost::writerFor("setSnapshotNoShowImage"))
         writer->setNoShowImage(state);
 }
 
 void setSnapshotICCProfile(int profileID)
 {
-    if (oxImageWriter* writer = moduleWriter("setSnapshotICCProfile"))
+    if (oxImageWriter* writer = oxOutputHost::writerFor("setSnapshotICCProfile"))
         writer->setICCProfile(profileID);
 }
 
@@ -277,15 +267,15 @@ void setSnapshotEmbedMetaData(bool embedRenderSettings, bool embedCameraSettings
                               bool embedNodeVisibilities, bool embedSwitchNodeStates,
                               bool embedSwitchMaterialStates)
 {
-    if (oxImageWriter* writer = moduleWriter("setSnapshotEmbedMetaData"))
+    if (oxImageWriter* writer = oxOutputHost::writerFor("setSnapshotEmbedMetaData"))
         writer->setMetaDataFlags(snapshotMetaDataFlags(embedRenderSettings, embedCameraSettings,
                                                        embedNodeVisibilities, embedSwitchNodeStates,
                                                        embedSwitchMaterialStates));
 }
 
-QString oxMovieExport::runImageFileDialog(const oxRenderSettingsPresetSPtr& record)
+QString runImageFileDialog(const oxRenderSettingsPresetSPtr& record)
 {
-    QString group = tr("All Images (");
+    QString group = translated("All Images (");
     QString entries;
     QString singles;
     for (const std::string& format : oxImageWriter::getFormatsOpenSG()) {
@@ -300,7 +290,7 @@ QString oxMovieExport::runImageFileDialog(const oxRenderSettingsPresetSPtr& reco
     if (record && record->isStillCameraTrackView()) {
         // A still of a camera track renders one image per viewpoint: offer a pattern.
         name = QString::fromStdString(oxFile::getFilePath(record->filename)) + QLatin1Char('\\') +
-               tr("#.png");
+               translated("#.png");
     } else if (name.endsWith(QStringLiteral(".avi"), Qt::CaseInsensitive)) {
         name.replace(name.lastIndexOf(QStringLiteral("avi"), -1, Qt::CaseInsensitive), 3,
                      QStringLiteral("png"));
@@ -310,8 +300,9 @@ QString oxMovieExport::runImageFileDialog(const oxRenderSettingsPresetSPtr& reco
         QString::fromStdString(record ? record->getFileExtension(false) : std::string());
 
     if (!oxController::isNoGUI())
-        name = QFileDialog::getSaveFileName(nullptr, tr("Save Rendering(s)..."), name, filter,
-                                            &selectedFilter, QFileDialog::DontConfirmOverwrite);
+        name =
+            QFileDialog::getSaveFileName(nullptr, translated("Save Rendering(s)..."), name, filter,
+                                         &selectedFilter, QFileDialog::DontConfirmOverwrite);
     if (name.isEmpty())
         return QString();
     const QString extension = QString::fromStdString(oxFile::getExtension(name.toStdString()));
@@ -321,32 +312,13 @@ QString oxMovieExport::runImageFileDialog(const oxRenderSettingsPresetSPtr& reco
     return QString();
 }
 
-void oxMovieExport::initFastSnapshots(int width, int height, int supersamplingMode)
-{
-    if (!oxFileIO::isLoadingProjectWhileRunningScript()) {
-        imageWriter->exportImageFastInit(width, height, supersamplingMode);
-        return;
-    }
-    // The render view isn't ready while a project loads: start a second later, with the last
-    // values asked for.
-    pendingFastWidth = width;
-    pendingFastHeight = height;
-    pendingFastSupersampling = supersamplingMode;
-    QTimer::singleShot(1000, this, &oxMovieExport::deferredCreateSnapshotFastInit);
-}
-
-void oxMovieExport::deferredCreateSnapshotFastInit()
-{
-    imageWriter->exportImageFastInit(pendingFastWidth, pendingFastHeight, pendingFastSupersampling);
-}
-
-void oxMovieExport::exportSnapshot()
+void exportDatedSnapshot()
 {
     oxOSGWidget* widget = oxOSGWidget::getMGLW(-1);
     if (!widget)
         return;
     std::string path = kDefaultSnapshotPath;
-    getFromMessage(oxPreferences::getData(), kSnapshotPathKey, path);
+    getFromMessage(oxPreferences::getData(), kSnapshotPathPreference, path);
     oxFile::createPath(path);
     if (!oxFile::exists(path, false, false)) {
         oxLog::error("Snapshot: path '%s' doesn't exist!", path.c_str());
@@ -366,35 +338,4 @@ void oxMovieExport::exportSnapshot()
     else
         oxLog::error("Snapshot: couldn't write '%s'.", shown.constData());
     QApplication::restoreOverrideCursor();
-}
-
-void exportSnapshotCB(oxMessage& message)
-{
-    if (!theMovieExport)
-        return;
-    QString filename;
-    if (!getFromMessage(message, "filename", filename) || filename.isEmpty()) {
-        theMovieExport->exportSnapshot();
-        return;
-    }
-    int width = 240;
-    int height = 240;
-    bool alpha = false;
-    getFromMessage(message, "width", width);
-    getFromMessage(message, "height", height);
-    // Read for the record's sake: fast snapshots keep the writer's alpha setting.
-    getFromMessage(message, "alpha", alpha);
-
-    const bool playSound = oxController::playSoundOnExport();
-    bool forceNoSound = false;
-    getFromMessage(message, "forceNoSound", forceNoSound);
-    if (forceNoSound)
-        oxController::setPlaySoundOnExport(false);
-
-    theMovieExport->initFastSnapshots(width, height, 0);
-    createSnapshotFast(filename.toUtf8().constData());
-    theMovieExport->getImageWriter()->exportImageFastTerminate();
-
-    if (forceNoSound)
-        oxController::setPlaySoundOnExport(playSound);
 }

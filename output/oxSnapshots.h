@@ -1,5 +1,9 @@
 #pragma once
 
+#include "oxRenderSettingsPreset.h"
+
+#include <QString>
+
 // Snapshot commands: one image of the current view written through the module's image writer.
 // Each overload is one form of the script command of the same name, so that the script module
 // can bind them one by one; their defaults differ on purpose (see each group).
@@ -76,3 +80,12 @@ void setSnapshotEmbedMetaData(bool embedRenderSettings, bool embedCameraSettings
 int snapshotMetaDataFlags(bool embedRenderSettings, bool embedCameraSettings,
                           bool embedNodeVisibilities, bool embedSwitchNodeStates,
                           bool embedSwitchMaterialStates);
+
+/// The image file dialog of snapshots and of the output file chooser: starts from the record's
+/// file name (a "#.png" pattern for a still of a camera track), returns the chosen name, empty
+/// when the user cancelled or chose a format the writer lacks. Without a GUI the record's
+/// name is taken as it is.
+QString runImageFileDialog(const oxRenderSettingsPresetSPtr& record);
+/// Writes what the render view shows into a dated file in the snapshot folder of the
+/// preferences (the "Export Snapshot" action).
+void exportDatedSnapshot();

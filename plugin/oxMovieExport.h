@@ -1,21 +1,21 @@
 #pragma once
 
 #include "oxModuleBase.h"
+#include "oxOutputHost.h"
 #include "oxRenderPlan.h"
 #include "oxRenderSettingsPreset.h"
 
 #include <QPointer>
 #include <QStringList>
 
-#include <array>
-
 class QAction;
 class QOXDockWidget;
 class oxImageWriter;
 class oxRenderSettings;
 
-/// The plug-in's one module: owns the image writer and answers the host's messages.
-class oxMovieExport : public oxModuleBase {
+/// The plug-in's one module: owns the image writer, answers the host's messages and is the
+/// output subsystem's way to the writer and the window.
+class oxMovieExport : public oxModuleBase, public oxOutputHost {
     Q_OBJECT
 public:
     oxMovieExport();
@@ -26,14 +26,17 @@ public:
     /// Handles 16 (new scene), 8192 (project read or written) and 32768 (refresh); returns 0.
     int receivedMessage(oxMessage& message) override;
 
-    oxImageWriter* getImageWriter() const { return imageWriter; }
+    oxImageWriter* getImageWriter() const override { return imageWriter; }
+    oxRenderSettingsPresetSPtr captureWindowSettings() override;
+    oxRenderSettingsPreset* windowSettings() override;
+    void refreshWindow() override;
 
     /// The image file dialog of snapshots and of the output file chooser: starts from the
     /// record's file name, returns the chosen name, empty when the user cancelled.
     QString runImageFileDialog(const oxRenderSettingsPresetSPtr& record);
     /// Starts a fast snapshot series of that size at once, or, while a script loads a
     /// project, one second later with the last values asked for.
-    void initFastSnapshots(int width, int height, int supersamplingMode);
+    void initFastSnapshots(int width, int height, int supersamplingMode) override;
     /// The Render Settings window.
     QWidget* getMainWidget() override;
     oxRenderSettings* getRenderSettingsWindow() const;
@@ -42,40 +45,19 @@ public:
 
     // Render jobs: also reached by the script modules and the queue hand-off.
 
-    /// Walks the job of record: each camera step, inside it each variant set tuple, and
-    /// appends every file name the unit writes to list; flags say what else happens
-    /// (PlanFlags). With PlanExport the result is whether the writer was cancelled, else
-    /// false. A bad file name or a directory that can't be created leaves list untouched.
+    /// The output subsystem's walkRenderPlan with the module's writer and the window's cluster
+    /// hosts.
     bool walkRenderPlan(const oxRenderSettingsPresetSPtr& record, QStringList& list,
                         PlanFlags flags);
     /// Renders the whole job of record to files and restores the render state afterwards;
     /// true when it was cancelled.
     bool renderPresetToFile(const oxRenderSettingsPresetSPtr& record);
-    /// The entries of list that exist, or that can't be written, as absolute native paths.
-    QStringList filterExistingFiles(const QStringList& list) const;
-    QStringList filterUnwritableFiles(const QStringList& list) const;
     /// Asks for the output name (always with askForName, else after a Rename) and about
     /// existing and unwritable files of the job until the user settles; true to go on.
     bool checkOutputFiles(const oxRenderSettingsPresetSPtr& record, bool askForName);
     /// Lets the user choose the output file of record; true when a name was taken, which
     /// then is the record's and the window's file name.
     bool chooseOutputFile(const oxRenderSettingsPresetSPtr& record);
-
-    /// Answers of the question about existing files.
-    enum OverwriteChoice : int {
-        OverwriteFiles = 0,
-        RenameFiles = 1,
-        CancelOverwrite = 2,
-        NothingToOverwrite = 3
-    };
-    /// Answers of the question about files that can't be written.
-    enum WriteChoice : int {
-        RetryWrite = 0,
-        IgnoreUnwritable = 1,
-        RenameUnwritable = 2,
-        CancelWrite = 3,
-        NothingUnwritable = 4
-    };
 
 public slots:
     /// Renders the current settings' whole job to files (the _render button, QuickRender).
@@ -106,19 +88,10 @@ private:
     void dressFileChooser();
     void registerCallbacks();
 
-    // Render jobs: checks of the output and the steps of a render to file.
-    bool validateOutputFilename(const oxRenderSettingsPresetSPtr& record) const;
-    QString prepareOutputDirectory(const oxRenderSettingsPresetSPtr& record) const;
-    OverwriteChoice askOverwrite(const QStringList& list, bool allowRename);
-    WriteChoice askUnwritable(const QStringList& list, bool allowRename);
-    OverwriteChoice checkOverwrite(const QStringList& list);
-    WriteChoice checkWriteAccess(const QStringList& list);
-    std::array<float, 4> applyRenderRegion(const oxRenderSettingsPresetSPtr& record) const;
-    void applyActivePasses(const oxRenderSettingsPresetSPtr& record) const;
-    void pushExportSettings(const oxRenderSettingsPresetSPtr& record) const;
+    /// The window's cluster hosts (empty without a window or with the cluster off) and its
+    /// current record (null without a window).
     QString clusterHosts() const;
-    friend void checkFileWritingForPresetsCB(oxMessage& message);
-    friend void checkFileWritingForPresetCB(oxMessage& message);
+    const oxRenderSettingsPreset* windowPreset() const;
 
     // Created first and never freed: the host keeps using the writer after unload.
     oxImageWriter* imageWriter = nullptr;

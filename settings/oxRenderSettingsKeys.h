@@ -99,8 +99,3 @@ constexpr const char* kCheckBrdfModePreference = "Render settings check BRDF mod
 constexpr const char* kUpdateBrdfModePreference = "Render settings update BRDF mode";
 /// The page name under which changed preferences of this plug-in are announced.
 constexpr const char* kPreferencesPage = "Render Settings";
-
-/// Registers the window's named callback "oxRenderSettings::loadSettings" (again, without
-/// doubling, when it is there) and removes it.
-void registerRenderSettingsCallbacks();
-void unregisterRenderSettingsCallbacks();

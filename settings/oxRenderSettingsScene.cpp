@@ -1,21 +1,9 @@
-// The current settings' life in the scene's project record and in the host's preferences:
-// loading and saving a scene's keys, the default settings of a new scene, and the callbacks
-// that hand settings in from other modules.
+#include "oxRenderSettingsScene.h"
 
-#include "oxRenderSettings.h"
-
-#include "oxController.h"
 #include "oxMessage.h"
 #include "oxMessageHelpers.h"
-#include "oxOSGWidget.h"
 #include "oxPreferences.h"
-#include "oxRenderParameter.h"
-#include "oxRenderSettingsApply.h"
 #include "oxRenderSettingsKeys.h"
-#include "oxScript.h"
-
-#include <QCheckBox>
-#include <QMessageBox>
 
 #include <type_traits>
 #include <vector>
@@ -211,15 +199,6 @@ void writeViewSettings(oxMessage& message)
         std::visit([&](auto access) { message.set(row.key, access.get()); }, row.access);
 }
 
-struct oxRenderSettingsCallback {
-    const char* name;
-    void (*function)(oxMessage&);
-};
-
-const oxRenderSettingsCallback kRenderSettingsCallbacks[] = {
-    {"oxRenderSettings::loadSettings", oxRenderSettings::loadSettingsCallback},
-};
-
 // The output fields another module may hand in through "oxRenderSettings::loadSettings", in
 // the order of reading; the keys are the scene's.
 const oxSettingField kHandedInFields[] = {
@@ -256,96 +235,24 @@ const oxSettingField kHandedInFields[] = {
 
 } // namespace
 
-void registerRenderSettingsCallbacks()
+void readSceneSettings(const oxMessage& project, P& record,
+                       const std::function<int(int reference)>& decideBrdfMode)
 {
-    // Removing first keeps a second registration from calling each function twice.
-    for (const oxRenderSettingsCallback& callback : kRenderSettingsCallbacks) {
-        oxController::subCB(callback.name, callback.function);
-        oxController::addCB(callback.name, callback.function);
-    }
-}
-
-void unregisterRenderSettingsCallbacks()
-{
-    for (const oxRenderSettingsCallback& callback : kRenderSettingsCallbacks)
-        oxController::subCB(callback.name, callback.function);
-}
-
-int oxRenderSettings::decideBrdfMode(const oxMessage& project, int reference)
-{
-    const oxSettingKey* row = findSceneKey(&P::brdfMode);
-    int loaded = static_cast<int>(row->fallback);
-    if (!getFromMessage(project, row->key, loaded))
-        return loaded;
-    // A script can't answer, and a newer or equal mode needs no decision.
-    if (oxScript::isRunning() || loaded >= reference)
-        return loaded;
-
-    bool check = true;
-    bool keepOld = true;
-    if (oxController::isNoGUI())
-        check = false;
-    else
-        getFromMessage(oxPreferences::getData(), kCheckBrdfModePreference, check);
-    getFromMessage(oxPreferences::getData(), kUpdateBrdfModePreference, keepOld);
-    if (!check)
-        return keepOld ? loaded : reference;
-
-    QMessageBox box(QMessageBox::Question, tr("BRDF Mode"),
-                    tr("The loaded file contains an older BRDF mode. Do you want to update to "
-                       "the latest one?"),
-                    QMessageBox::Yes | QMessageBox::No, oxController::getMainWindow(),
-                    Qt::WindowFlags(0x103));
-    auto* remember = new QCheckBox(tr("Remember my choice and don't show this message again."));
-    box.setCheckBox(remember);
-    box.exec();
-    const bool keepScene = box.clickedButton() == box.button(QMessageBox::No);
-    if (remember->isChecked()) {
-        // The preference's sense is "take the file's mode", so a No is stored as true.
-        oxMessage& preferences = oxPreferences::getData();
-        preferences.set(kUpdateBrdfModePreference, keepScene);
-        preferences.set(kCheckBrdfModePreference, false);
-        oxPreferences::changedPreferences(kPreferencesPage);
-        oxPreferences::save();
-    }
-    return keepScene ? loaded : reference;
-}
-
-void oxRenderSettings::loadSettings(oxMessage& project)
-{
-    guiUpdateLock = true;
-    const int brdfReference = currentPreset.brdfMode;
+    const int brdfReference = record.brdfMode;
     std::vector<const oxSettingKey*> deferred;
     for (const oxSettingKey& row : kSceneKeys) {
         if (row.rule == oxKeyRule::Brdf)
-            currentPreset.brdfMode = decideBrdfMode(project, brdfReference);
+            record.brdfMode = decideBrdfMode(brdfReference);
         else
-            readRow(project, row, currentPreset, deferred);
+            readRow(project, row, record, deferred);
     }
-    resolveDeferred(deferred, currentPreset);
-    updatePrintSize(currentPreset);
+    resolveDeferred(deferred, record);
+    updatePrintSize(record);
     readViewSettings(project);
-
-    guiUpdateLock = true;
-    mergeAndPush(currentPreset, kApplyModeSceneLoad);
-    guiUpdateLock = false;
-    updatePresetMenu();
-    updateGUI();
-
-    // The push left the spectral switch out; it runs last, as it captures the pushed values.
-    changedSpectralRaytracing(currentPreset.spectralRendering);
-    oxRenderParameter::setUseHighQualityTextureFiltering(currentPreset.highQualityTextureFiltering);
-    oxRenderParameter::setStillFrameSupersampling(currentPreset.stillFrameSupersampling);
-    applyRenderRegion();
-    applyHeadlightPhotometric(currentPreset.pbParameters);
-    guiUpdateLock = false;
-    updateGUI();
 }
 
-void oxRenderSettings::saveSettings(oxMessage& project)
+void writeSceneSettings(oxMessage& project, const P& record)
 {
-    // The raytracing keys come from the live services, which the current record may lag.
-    const P record = captureRenderSettings(currentPreset);
     for (const oxSettingKey& row : kSceneKeys) {
         switch (row.rule) {
         case oxKeyRule::ReadOnly:
@@ -362,68 +269,38 @@ void oxRenderSettings::saveSettings(oxMessage& project)
     writeViewSettings(project);
 }
 
-void oxRenderSettings::loadDefaultSettings(bool)
+void readDefaultSettings(const oxMessage& preferences, P& record)
 {
-    guiUpdateLock = true;
-    currentPreset.name.clear();
-    const oxMessage& preferences = oxPreferences::getData();
+    record.name.clear();
     std::vector<const oxSettingKey*> deferred;
     for (size_t i = 0; i < kFirstRaytracingPreference; ++i)
-        readRow(preferences, kPreferenceKeys[i], currentPreset, deferred);
-    updatePrintSize(currentPreset);
+        readRow(preferences, kPreferenceKeys[i], record, deferred);
+    updatePrintSize(record);
 
     // What a scene chooses (view, animation, variant sets, passes) starts afresh.
-    currentPreset.variantSetsUsed = false;
-    currentPreset.variantSetViewpointsUsed = false;
-    currentPreset.timeStamp = false;
-    currentPreset.renderAnimation = false;
-    currentPreset.useClipRange = false;
-    currentPreset.variantSets.clear();
-    currentPreset.view.clear();
-    currentPreset.clip.clear();
-    currentPreset.animationType = 0;
-    currentPreset.exportType = 0;
-    currentPreset.renderpasses = false;
+    record.variantSetsUsed = false;
+    record.variantSetViewpointsUsed = false;
+    record.timeStamp = false;
+    record.renderAnimation = false;
+    record.useClipRange = false;
+    record.variantSets.clear();
+    record.view.clear();
+    record.clip.clear();
+    record.animationType = 0;
+    record.exportType = 0;
+    record.renderpasses = false;
     for (PassFlag flag : kPassFlagSceneKeyOrder)
-        currentPreset.passFlag(flag) = false;
-    currentPreset.beauty_pass = true;
+        record.passFlag(flag) = false;
+    record.beauty_pass = true;
 
     for (size_t i = kFirstRaytracingPreference; i < kPreferenceKeys.size(); ++i)
-        readRow(preferences, kPreferenceKeys[i], currentPreset, deferred);
-    resolveDeferred(deferred, currentPreset);
+        readRow(preferences, kPreferenceKeys[i], record, deferred);
+    resolveDeferred(deferred, record);
     readViewSettings(preferences);
-
-    mergeAndPush(currentPreset, oxRenderSettingsPreset::ApplyAll);
-    guiUpdateLock = false;
-    updatePresetMenu();
-    updateGUI();
-
-    applyHeadlightPhotometric(false);
-    switchPhotometricFlag(currentPreset.pbParameters);
-    guiUpdateLock = false;
-    updateGUI();
-
-    bool cluster = false;
-    if (getFromMessage(preferences, kExportClusterPreference, cluster))
-        _cluster->setChecked(cluster);
-    std::string hosts;
-    if (getFromMessage(preferences, kExportClusterHostsPreference, hosts))
-        _cluster_hosts->setText(QString::fromStdString(hosts));
-    bool movie = false;
-    if (getFromMessage(preferences, kMovieExportAviPreference, movie)) {
-        const int index = _animFormatCB->findText(movie ? tr("Movie") : tr("Images"));
-        if (index >= 0)
-            _animFormatCB->setCurrentIndex(index);
-    }
 }
 
-void oxRenderSettings::loadSettingsCallback(oxMessage& message)
+void readHandedInSettings(const oxMessage& message, P& record)
 {
-    oxRenderSettings* window = instance();
-    if (!window || message.getMap().empty())
-        return;
-    window->guiUpdateLock = true;
-    P& record = window->currentPreset;
     for (const oxSettingField& field : kHandedInFields) {
         const oxSettingKey* row = findSceneKey(field);
         if (row->rule == oxKeyRule::SsFactor) {
@@ -437,8 +314,4 @@ void oxRenderSettings::loadSettingsCallback(oxMessage& message)
             updatePrintSize(record);
     }
     readPassFlags(message, record, false);
-    if (record.use_render_region)
-        window->applyRenderRegion();
-    window->guiUpdateLock = false;
-    window->updateGUI();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxRenderJobMessage.h"
 #include "oxRenderSettingsPreset.h"
 #include "ui_oxRenderSettingsGUI.h"
 
@@ -129,6 +130,12 @@ public slots:
     /// Tells listeners of "oxRenderSettings::render" that a render or a hand-off started: the
     /// current record in the preset file's column form, and "sender" (what started it).
     void notifyRenderStarted(const char* sender);
+    /// What a job record takes from the window beside the current record: the size preset
+    /// shown, the statistics counts and the cluster hosts.
+    oxRenderJobWindowValues renderJobWindowValues() const;
+    /// The cluster hosts a job renders on: the hosts field while the cluster box is ticked,
+    /// else empty.
+    QString clusterHosts() const;
     /// Brings the window's dock to the user.
     void triggeredWindowAction();
     /// Requests a refresh of the variant set display, the statistics and the read-back of the
@@ -362,3 +369,8 @@ private:
     QTimer statisticsTimer;
     QTimer variantListTimer;
 };
+
+/// Registers the window's named callback "oxRenderSettings::loadSettings" (again, without
+/// doubling, when it is there) and removes it.
+void registerRenderSettingsCallbacks();
+void unregisterRenderSettingsCallbacks();

@@ -136,7 +136,8 @@ TEST_F(JobPresetTest, ReturningJobSettingsReachWindowAndRenderer)
     preset.depth_pass = true;
     window->_cluster->setChecked(true);
     window->_cluster_hosts->setText(QStringLiteral("node1,node2"));
-    oxMessage job = makeRenderJobMessage(*window);
+    oxMessage job =
+        makeRenderJobMessage(window->getCurrentPreset(), window->renderJobWindowValues());
     job.set("MovieExport ssfactor", 1);
     job.set("Denoise Filter Type", 0u);
     job.set("Use Denoise Filter Flag", true);

@@ -11,6 +11,8 @@
 #include "oxRenderSettingsPresetFile.h"
 
 #include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
@@ -19,12 +21,6 @@
 #include <vector>
 
 namespace {
-
-// The denoise type that an old "use denoise filter" flag stands for.
-constexpr unsigned int kDeepLearningStillframe = 2;
-// The supersampling factor the image writer takes for "on".
-constexpr int kSupersamplingOn = 3;
-constexpr double kCentimetresPerInch = 2.54;
 
 oxRenderSettings* window() { return oxRenderSettings::instance(); }
 
@@ -118,19 +114,6 @@ void receiveRenderSettingsFromRenderQueueCB(oxMessage& message)
         window()->receiveRenderSettingsFromRenderQueue(message);
 }
 
-// Reads key into the field when the job has it with the field's type.
-struct FieldReader {
-    const oxMessage& job;
-    const char* key;
-    oxRenderSettingsPreset& preset;
-
-    template <typename T>
-    bool operator()(T oxRenderSettingsPreset::*field) const
-    {
-        return getFromMessage(job, key, preset.*field);
-    }
-};
-
 } // namespace
 
 const std::array<oxRenderJobPresetCallback, 9> kRenderJobPresetCallbacks = {{
@@ -205,48 +188,11 @@ void oxRenderSettings::receiveRenderSettingsFromRenderQueue(const oxMessage& job
 {
     guiUpdateLock = true;
     oxRenderSettingsPreset& preset = currentPreset;
-    bool oldDenoiseFlag = false;
-    for (const oxRenderJobReadKey& entry : kRenderJobReadKeys) {
-        switch (entry.rule) {
-        case oxJobReadRule::Plain:
-            std::visit(FieldReader{job, entry.key, preset}, entry.field);
-            break;
-        case oxJobReadRule::PrintSize:
-            std::visit(FieldReader{job, entry.key, preset}, entry.field);
-            if (preset.ppi > 0.0f) {
-                preset.printWidth =
-                    float(double(preset.pixel_width) / double(preset.ppi) * kCentimetresPerInch);
-                preset.printHeight =
-                    float(double(preset.pixel_height) / double(preset.ppi) * kCentimetresPerInch);
-            }
-            break;
-        case oxJobReadRule::Supersampling: {
-            int factor = 0;
-            if (getFromMessage(job, entry.key, factor))
-                preset.ssFactor = factor > 0 ? kSupersamplingOn : 0;
-            break;
-        }
-        case oxJobReadRule::DenoiseType:
-            std::visit(FieldReader{job, entry.key, preset}, entry.field);
-            break;
-        case oxJobReadRule::DenoiseFlag:
-            getFromMessage(job, entry.key, oldDenoiseFlag);
-            // Old jobs switched the denoiser on by a flag; type 1 is an old name of 2.
-            if (oldDenoiseFlag || preset.denoiseFilterType == 1)
-                preset.denoiseFilterType = kDeepLearningStillframe;
-            break;
-        }
-    }
-    getFromMessage(job, oxRenderPassMaster::sceneKey, preset.renderpasses);
-    for (PassFlag flag : kPassFlagSceneKeyOrder)
-        getFromMessage(job, passFlagInfo(flag).sceneKey, preset.passFlag(flag));
-
-    std::string hosts;
-    if (getFromMessage(job, oxJobKey::ClusterHosts, hosts)) {
+    if (const std::optional<std::string> hosts = readRenderJobMessage(job, preset)) {
         const QSignalBlocker blockHosts(_cluster_hosts);
         const QSignalBlocker blockCluster(_cluster);
-        _cluster_hosts->setText(QString::fromStdString(hosts));
-        _cluster->setChecked(!hosts.empty());
+        _cluster_hosts->setText(QString::fromStdString(*hosts));
+        _cluster->setChecked(!hosts->empty());
     }
 
     oxRenderParameter::setImageSamples(preset.imageSamples);
@@ -254,10 +200,45 @@ void oxRenderSettings::receiveRenderSettingsFromRenderQueue(const oxMessage& job
     oxRenderParameter::setRenderTimeInSeconds(preset.renderTime);
     oxRenderParameter::setUseRenderTimeLimit(preset.useTimeLimit);
     oxRenderParameter::setUseInfiniteRendering(preset.useInfiniteRendering);
+    // The queue's hosts expect the denoiser pushed twice: once as read, once after the old
+    // switch was settled (the read already settled it, so both are the same).
     oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
-    oxRenderParameter::setDenoiseFilter(oldDenoiseFlag ? kDeepLearningStillframe
-                                                       : preset.denoiseFilterType);
+    oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
     oxRenderParameter::setDenoiseAlpha(preset.denoiseAlpha);
     guiUpdateLock = false;
     updateGUI();
+}
+
+oxRenderJobWindowValues oxRenderSettings::renderJobWindowValues() const
+{
+    oxRenderJobWindowValues values;
+    values.imageSizePreset = _imageSizes->currentText().toStdString();
+    values.totalRenders = _totalRenderCount->text().toInt();
+    values.viewpoints = _viewpointCount->text().toInt();
+    values.renderPasses = _renderPassesCount->text().toInt();
+    values.animationRenders = _animationFrameCount->text().toInt();
+    values.variantSets = _variantSetCount->text().toInt();
+    values.variantSetRenders = _variantSetRenderCount->text().toInt();
+    values.totalFiles = _totalFileCount->text().toInt();
+    values.clusterHosts = clusterHosts().toStdString();
+    return values;
+}
+
+QString oxRenderSettings::clusterHosts() const
+{
+    return _cluster->isChecked() ? _cluster_hosts->text() : QString();
+}
+
+void oxRenderSettings::buildRenderJobMessage()
+{
+    oxMessage message = makeRenderJobMessage(currentPreset, renderJobWindowValues());
+    oxController::call("addRenderJobProxy", message, 0);
+}
+
+void oxRenderSettings::notifyRenderStarted(const char* sender)
+{
+    const auto record = std::make_shared<oxRenderSettingsPreset>(currentPreset);
+    oxMessage message = writePresetsToMessage(oxRenderSettingsPresets{record});
+    message.set("sender", boost::any(sender), true);
+    oxController::call("oxRenderSettings::render", message, 0);
 }
