@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxRenderSettingsKeys.h"
 #include "oxRenderSettingsPreset.h"
 
 #include <boost/any.hpp>
@@ -13,46 +14,46 @@ class oxMessage;
 
 // The render job record: what the render queue gets of a job, and what it hands back when a
 // job's settings return to the window. Key texts are the queue's contract, misspellings
-// included.
+// included; those the scene keys share come from there.
 namespace oxJobKey {
-constexpr const char* VariantSetsUsed = "VariantSetsUsed";
-constexpr const char* RenderAnimation = "MovieExport Render Animation";
-constexpr const char* Clip = "MovieExport Clip";
-constexpr const char* Filename = "MovieExport Filename";
-constexpr const char* FloatWidth = "ImageExport floatwidth";
-constexpr const char* FloatHeight = "ImageExport floatheight";
-constexpr const char* Alpha = "MovieExport alpha";
-constexpr const char* TiffHDR = "ImageExport tiff hdr";
-constexpr const char* ExrHalf = "ImageExport exr half";
-constexpr const char* MultiLayer = "ImageExport multi layer exr";
-constexpr const char* SsFactor = "MovieExport ssfactor";
-constexpr const char* PremultiplyRed = "MovieExport Premultiply Red";
-constexpr const char* PremultiplyGreen = "MovieExport Premultiply Green";
-constexpr const char* PremultiplyBlue = "MovieExport Premultiply Blue";
-constexpr const char* Ppi = "MovieExport ppi";
-constexpr const char* Premultiply = "MovieExport Premultiply";
-constexpr const char* TonemapHDR = "MovieExport tonemap hdr";
-constexpr const char* ImageSamples = "Maximum Antialiasing Samples";
-constexpr const char* StillQualityMode = "Still Quality Mode";
-constexpr const char* RenderTime = "Maximum Rendering Time";
-constexpr const char* UseTimeLimit = "Use Rendering Time Limit Flag";
-constexpr const char* UseInfiniteRendering = "Use Infinite Rendering Flag";
-constexpr const char* UseRaySplitting = "Use Ray Splitting";
-constexpr const char* UseTwoSampleMIS = "Use Two Sample MIS";
+constexpr const char* VariantSetsUsed = oxSceneKey::VariantSetsUsed;
+constexpr const char* RenderAnimation = oxSceneKey::RenderAnimation;
+constexpr const char* Clip = oxSceneKey::Clip;
+constexpr const char* Filename = oxSceneKey::Filename;
+constexpr const char* FloatWidth = oxSceneKey::FloatWidth;
+constexpr const char* FloatHeight = oxSceneKey::FloatHeight;
+constexpr const char* Alpha = oxSceneKey::Alpha;
+constexpr const char* TiffHDR = oxSceneKey::TiffHDR;
+constexpr const char* ExrHalf = oxSceneKey::ExrHalf;
+constexpr const char* MultiLayer = oxSceneKey::MultiLayer;
+constexpr const char* SsFactor = oxSceneKey::SsFactor;
+constexpr const char* PremultiplyRed = oxSceneKey::PremultiplyRed;
+constexpr const char* PremultiplyGreen = oxSceneKey::PremultiplyGreen;
+constexpr const char* PremultiplyBlue = oxSceneKey::PremultiplyBlue;
+constexpr const char* Ppi = oxSceneKey::Ppi;
+constexpr const char* Premultiply = oxSceneKey::Premultiply;
+constexpr const char* TonemapHDR = oxSceneKey::TonemapHDR;
+constexpr const char* ImageSamples = oxSceneKey::ImageSamples;
+constexpr const char* StillQualityMode = oxSceneKey::StillQualityMode;
+constexpr const char* RenderTime = oxSceneKey::RenderTime;
+constexpr const char* UseTimeLimit = oxSceneKey::UseTimeLimit;
+constexpr const char* UseInfiniteRendering = oxSceneKey::UseInfiniteRendering;
+constexpr const char* UseRaySplitting = oxSceneKey::UseRaySplitting;
+constexpr const char* UseTwoSampleMIS = oxSceneKey::UseTwoSampleMIS;
 constexpr const char* UseNVLinkTextureSharing = "Use NVLink Texture Sharing";
 constexpr const char* UseNVLinkGeometrySharing = "Use NVLink Geometry Sharing";
-constexpr const char* DenoiseFilterType = "Denoise Filter Type";
-constexpr const char* UseDenoiseFilterFlag = "Use Denoise Filter Flag";
-constexpr const char* DenoiserType = "Denoiser Type";
-constexpr const char* DenoiserInput = "Denoiser Input";
-constexpr const char* DenoiseAlpha = "Denoise Alpha";
-constexpr const char* Fps = "MovieExport fps";
-constexpr const char* StartFrame = "MovieExport start frame";
-constexpr const char* StopFrame = "MovieExport stop frame";
-constexpr const char* StepFrame = "MovieExport step frame";
+constexpr const char* DenoiseFilterType = oxSceneKey::DenoiseFilterType;
+constexpr const char* UseDenoiseFilterFlag = kOldDenoiseFlagKey;
+constexpr const char* DenoiserType = oxSceneKey::DenoiserType;
+constexpr const char* DenoiserInput = oxSceneKey::DenoiserInput;
+constexpr const char* DenoiseAlpha = oxSceneKey::DenoiseAlpha;
+constexpr const char* Fps = oxSceneKey::Fps;
+constexpr const char* StartFrame = oxSceneKey::StartFrame;
+constexpr const char* StopFrame = oxSceneKey::StopFrame;
+constexpr const char* StepFrame = oxSceneKey::StepFrame;
 constexpr const char* ImageSizePreset = "Image Size Preset String";
-constexpr const char* AnimationFormat = "MovieExport Animation Format";
-constexpr const char* UseClipRange = "MovieExport Use Clip Range";
+constexpr const char* AnimationFormat = oxSceneKey::AnimationFormat;
+constexpr const char* UseClipRange = oxSceneKey::UseClipRange;
 constexpr const char* TotalRenders = "ImageExport statistics total renders";
 constexpr const char* Viewpoints = "ImageExport statistics viewpoints";
 constexpr const char* RenderPasses = "ImageExport statistics renderpasses";
@@ -60,7 +61,7 @@ constexpr const char* AnimationRenders = "ImageExport statistics animation rende
 constexpr const char* VariantSets = "ImageExport statistics variantsets";
 constexpr const char* VariantSetRenders = "ImageExport statistics variantset renders";
 constexpr const char* TotalFiles = "ImageExport statistics toal files";
-constexpr const char* ClusterHosts = "Export cluster hosts";
+constexpr const char* ClusterHosts = kExportClusterHostsPreference;
 } // namespace oxJobKey
 
 /// What a job record takes from the window beside the window's settings: the image size

@@ -28,8 +28,6 @@
 
 namespace {
 
-const char kSnapshotQualityKey[] = "ImageExport quality";
-
 // What each argument of setSnapshotEmbedMetaData adds to the writer's metadata flags, in the
 // order of the arguments.
 struct MetaDataChoice {
@@ -233,7 +231,7 @@ void createSnapshotFastTerminate()
 
 void setSnapshotQuality(int quality)
 {
-    oxPreferences::getData().set(kSnapshotQualityKey, quality, true);
+    oxPreferences::getData().set(kSnapshotQualityPreference, quality, true);
 }
 
 void setSnapshotNoShowImage(bool state)

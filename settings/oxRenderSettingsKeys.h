@@ -48,6 +48,45 @@ struct oxSettingKey {
     const char* oldKey = nullptr;
 };
 
+/// The scene key texts that the render job record shares; the scene key table and the job
+/// record both name them from here.
+namespace oxSceneKey {
+constexpr const char VariantSetsUsed[] = "VariantSetsUsed";
+constexpr const char RenderAnimation[] = "MovieExport Render Animation";
+constexpr const char Clip[] = "MovieExport Clip";
+constexpr const char Filename[] = "MovieExport Filename";
+constexpr const char FloatWidth[] = "ImageExport floatwidth";
+constexpr const char FloatHeight[] = "ImageExport floatheight";
+constexpr const char Alpha[] = "MovieExport alpha";
+constexpr const char TiffHDR[] = "ImageExport tiff hdr";
+constexpr const char ExrHalf[] = "ImageExport exr half";
+constexpr const char MultiLayer[] = "ImageExport multi layer exr";
+constexpr const char SsFactor[] = "MovieExport ssfactor";
+constexpr const char PremultiplyRed[] = "MovieExport Premultiply Red";
+constexpr const char PremultiplyGreen[] = "MovieExport Premultiply Green";
+constexpr const char PremultiplyBlue[] = "MovieExport Premultiply Blue";
+constexpr const char Ppi[] = "MovieExport ppi";
+constexpr const char Premultiply[] = "MovieExport Premultiply";
+constexpr const char TonemapHDR[] = "MovieExport tonemap hdr";
+constexpr const char ImageSamples[] = "Maximum Antialiasing Samples";
+constexpr const char StillQualityMode[] = "Still Quality Mode";
+constexpr const char RenderTime[] = "Maximum Rendering Time";
+constexpr const char UseTimeLimit[] = "Use Rendering Time Limit Flag";
+constexpr const char UseInfiniteRendering[] = "Use Infinite Rendering Flag";
+constexpr const char UseRaySplitting[] = "Use Ray Splitting";
+constexpr const char UseTwoSampleMIS[] = "Use Two Sample MIS";
+constexpr const char DenoiseFilterType[] = "Denoise Filter Type";
+constexpr const char DenoiserType[] = "Denoiser Type";
+constexpr const char DenoiserInput[] = "Denoiser Input";
+constexpr const char DenoiseAlpha[] = "Denoise Alpha";
+constexpr const char Fps[] = "MovieExport fps";
+constexpr const char StartFrame[] = "MovieExport start frame";
+constexpr const char StopFrame[] = "MovieExport stop frame";
+constexpr const char StepFrame[] = "MovieExport step frame";
+constexpr const char AnimationFormat[] = "MovieExport Animation Format";
+constexpr const char UseClipRange[] = "MovieExport Use Clip Range";
+} // namespace oxSceneKey
+
 /// The older integer size keys: fallback of the scene's float sizes, the size in preferences.
 constexpr const char* kOldWidthKey = "ImageExport width";
 constexpr const char* kOldHeightKey = "ImageExport height";
@@ -91,6 +130,8 @@ constexpr const char* kExportClusterHostsPreference = "Export cluster hosts";
 constexpr const char* kMovieExportAviPreference = "MovieExport avi";
 /// Preferences behind the default file name.
 constexpr const char* kSnapshotPathPreference = "SnapshotExport path";
+/// The compression quality of written images (-1: the format's default).
+constexpr const char* kSnapshotQualityPreference = "ImageExport quality";
 constexpr const char* kDefaultFormatPreference = "ImageExport default format";
 constexpr const char* kDefaultSnapshotPath = "c:\\oxlin-snapshots";
 constexpr const char* kDefaultImageFormat = "png";

@@ -69,7 +69,7 @@ const std::vector<oxPreferenceDefault>& preferenceDefaults()
         {"Image Export Max Framebuffer Memory", {}, 2048},
         {"MovieExport dpi", {}, 72.0f},
         {kDefaultFormatPreference, {}, std::string(kDefaultImageFormat)},
-        {"ImageExport quality", {}, -1},
+        {kSnapshotQualityPreference, {}, -1},
         {"ImageExport show image", {}, false},
         {"ImageExport single viewer", {}, true},
         {"ImageExport sig position", {}, std::vector<int>{4, 4}},

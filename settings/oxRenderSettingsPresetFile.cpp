@@ -10,6 +10,7 @@
 #include "oxPreferences.h"
 #include "oxRaytracingManager.h"
 #include "oxRaytracingUtilsBase.h"
+#include "oxRenderSettingsKeys.h"
 #include "oxRenderParameter.h"
 
 #include <algorithm>
@@ -173,7 +174,7 @@ std::vector<oxPresetColumn> buildColumns()
         alwaysLive("Use Two Sample MIS", &P::useTwoSampleMIS,
                    &R::getUseTwoSampleImportanceSampling),
         live("Denoise Filter Type", &P::denoiseFilterType, &R::getDenoiseFilter),
-        alwaysEmpty<bool>("Use Denoise Filter Flag"),
+        alwaysEmpty<bool>(kOldDenoiseFlagKey),
         live("Denoiser Type", &P::denoiserType, &R::getDenoiserType),
         live("Denoiser Input", &P::denoiserInput, &R::getDenoiserInput),
         dropped("Denoise Alpha", &P::denoiseAlpha),
