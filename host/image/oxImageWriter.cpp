@@ -3,6 +3,7 @@
 #include "oxCallTrace.h"
 #include "oxController.h"
 #include "oxCryptomatte.h"
+#include "oxExportProgress.h"
 #include "oxFile.h"
 #include "oxImageEncoder.h"
 #include "oxImageOutStream.h"
@@ -20,7 +21,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPixmap>
-#include <QProgressDialog>
 
 #include <algorithm>
 #include <chrono>
@@ -152,89 +152,6 @@ std::vector<unsigned> activePassIds()
 
 std::string utf8(const QString& text) { return text.toUtf8().toStdString(); }
 
-// Progress of an export: a dialog in the GUI, a bar with ETA on a terminal, plain lines on
-// any other standard error.
-class Progress {
-public:
-    Progress(bool enabled, size_t total, const QString& title)
-        : m_total(total), m_start(std::chrono::steady_clock::now())
-    {
-        if (!enabled || total == 0)
-            return;
-        if (oxController::isNoGUI()) {
-            m_terminal = ::isatty(STDERR_FILENO) != 0;
-            m_text = true;
-        } else if (qobject_cast<QApplication*>(QCoreApplication::instance())) {
-            m_dialog = std::make_unique<QProgressDialog>(title, QObject::tr("Cancel"), 0,
-                                                         int(total) * kRoundSteps);
-            m_dialog->setWindowModality(Qt::ApplicationModal);
-            m_dialog->setMinimumDuration(0);
-            m_dialog->setValue(0);
-        }
-    }
-    ~Progress()
-    {
-        if (m_terminal && m_done > 0)
-            std::fputc('\n', stderr);
-    }
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
-
-    // Inside the running image: done of its rounds are finished. Lines of plain text stay one
-    // per image; the bar and the dialog move, and the dialog's Cancel button is heard.
-    void round(int done, int rounds)
-    {
-        if (rounds <= 0 || m_done >= m_total)
-            return;
-        const double fraction = (double(m_done) + double(done) / double(rounds)) / double(m_total);
-        if (m_terminal) {
-            drawBar(fraction, m_done, "");
-        } else if (m_dialog) {
-            m_dialog->setValue(int(m_done) * kRoundSteps + done * kRoundSteps / rounds);
-            QCoreApplication::processEvents();
-        }
-    }
-
-    void step(const std::string& name)
-    {
-        ++m_done;
-        const double elapsed =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - m_start).count();
-        const int eta = int(elapsed / double(m_done) * double(m_total - m_done) + 0.5);
-        if (m_terminal) {
-            char text[32];
-            std::snprintf(text, sizeof text, " ETA %d:%02d ", eta / 60, eta % 60);
-            drawBar(double(m_done) / double(m_total), m_done, text);
-        } else if (m_text) {
-            std::fprintf(stderr, "Image writer: %zu/%zu written '%s', ETA %d s\n", m_done, m_total,
-                         name.c_str(), eta);
-        } else if (m_dialog) {
-            m_dialog->setValue(int(m_done) * kRoundSteps);
-            QCoreApplication::processEvents();
-        }
-    }
-    bool canceled() const { return m_dialog && m_dialog->wasCanceled(); }
-
-private:
-    static constexpr int kRoundSteps = 100; // dialog steps per image
-
-    void drawBar(double fraction, size_t done, const char* eta)
-    {
-        const int width = 30;
-        const int filled = std::clamp(int(width * fraction), 0, width);
-        std::fprintf(stderr, "\r[%s%s] %zu/%zu %s", std::string(size_t(filled), '#').c_str(),
-                     std::string(size_t(width - filled), '-').c_str(), done, m_total, eta);
-        std::fflush(stderr);
-    }
-
-    size_t m_total;
-    size_t m_done = 0;
-    std::chrono::steady_clock::time_point m_start;
-    bool m_terminal = false;
-    bool m_text = false;
-    std::unique_ptr<QProgressDialog> m_dialog;
-};
-
 std::string buildProfile(int profileID)
 {
     cmsHPROFILE profile = nullptr;
@@ -283,7 +200,7 @@ struct oxImageWriter::Job {
     std::string iccProfile;
     size_t index = 0;     // of the frame being rendered
     bool stopped = false; // a cancel was heard during the running image
-    std::unique_ptr<Progress> progress;
+    std::unique_ptr<oxExportProgress> progress;
     std::unique_ptr<oxMovieWriter> movieWriter;
 };
 
@@ -670,8 +587,8 @@ bool oxImageWriter::run(Job& job)
     }
 
     InterruptGuard interrupt(oxController::isNoGUI());
-    job.progress = std::make_unique<Progress>(!m_noProgress, job.frames.size(),
-                                              QObject::tr("Rendering %1").arg(job.filename));
+    job.progress = std::make_unique<oxExportProgress>(
+        !m_noProgress, job.frames.size(), QObject::tr("Rendering %1").arg(job.filename));
     if (job.movie) {
         if (!confirmOverwrite(expanded))
             return false;
