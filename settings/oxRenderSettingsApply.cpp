@@ -6,10 +6,7 @@
 #include "oxRaytracingManager.h"
 #include "oxRaytracingUtilsBase.h"
 #include "oxRenderParameter.h"
-#include "oxRenderSettings.h"
 #include "oxSceneServices.h"
-
-#include <QAction>
 
 using RP = oxRenderParameter;
 
@@ -233,60 +230,4 @@ void pushRenderSettings(const oxRenderSettingsPreset& p)
     RP::setStillFrameTextureSharpness(p.textureSharpness);
     RP::setLightEvaluationThreshold(p.lightEvaluationThreshold);
     RP::setIlluminant(p.illuminant);
-}
-
-// The window's side: capture and apply.
-
-oxRenderSettingsPresetSPtr oxRenderSettings::getCurrentRenderSettings()
-{
-    return std::make_shared<oxRenderSettingsPreset>(captureRenderSettings(currentPreset));
-}
-
-void oxRenderSettings::mergeAndPush(const oxRenderSettingsPreset& preset, int applyMode)
-{
-    mergeRenderSettings(currentPreset, preset, applyMode);
-    // The push works on a copy: the spectral switch captures into the current record.
-    const oxRenderSettingsPreset record = currentPreset;
-    oxOSGWidget::setMotionBlur(true);
-    oxOSGWidget::enableStillDOF(true);
-    if (!(applyMode & oxRenderSettingsPreset::KeepSpectral))
-        changedSpectralRaytracing(record.spectralRendering);
-    pushRenderSettings(record);
-}
-
-void oxRenderSettings::applyPreset(const oxRenderSettingsPreset& preset,
-                                   oxRenderSettingsPreset::ApplyPresetMode applyMode)
-{
-    guiUpdateLock = true;
-    mergeAndPush(preset, applyMode);
-    guiUpdateLock = false;
-    updatePresetMenu();
-    updateGUI();
-}
-
-void oxRenderSettings::applyPreset(const oxRenderSettingsPreset& preset)
-{
-    applyPreset(preset, oxRenderSettingsPreset::ApplyAll);
-}
-
-void oxRenderSettings::applyPresetByName(const std::string& name)
-{
-    const oxRenderSettingsPresetSPtr preset = findPreset(name, presets);
-    if (!preset)
-        return;
-    // A copy: the record in the list must not change under the merge.
-    const oxRenderSettingsPreset record = *preset;
-    applyPreset(record, static_cast<oxRenderSettingsPreset::ApplyPresetMode>(kApplyModeByName));
-}
-
-void oxRenderSettings::applyPresetFromMenu()
-{
-    if (auto* action = qobject_cast<QAction*>(sender()))
-        applyPresetByName(action->text().toStdString());
-}
-
-void oxRenderSettings::applyDefaultPreset()
-{
-    loadDefaultSettings(false);
-    updatePresetMenu();
 }
