@@ -324,13 +324,20 @@ private:
     int decideBrdfMode(const oxMessage& project, int reference);
     void connectBindings();
     void disconnectBindings();
+    /// The widgets of one tab: their connections and their pass of updateGUI.
+    void connectOutputBindings();
+    void connectRaytracingBindings();
+    void connectQualityBindings();
+    void connectDisplayBindings();
     void connectImageSize();
     void fillImageSizes();
-    /// One pass of updateGUI over a group of widgets.
     void updateOutputWidgets();
     void updateRaytracingWidgets();
+    void updateQualityWidgets();
     void updatePhotonWidgets();
     void updateDisplayWidgets();
+    /// Runs each host parameter that a scene replaced through its setter again.
+    void reassertHostParameters();
     /// The live refresh: updateGUI, a render update and the scene marked modified.
     void refreshLive();
     /// Sends all ten post-processing flags, the checked state of the widget that just changed
