@@ -16,6 +16,20 @@ class oxMessage;
 class oxMovieExport;
 class oxPresetGUII;
 
+/// Sets a busy flag for the life of the guard and puts its earlier value back on every way
+/// out, so that a guard inside another leaves the flag set.
+class oxScopedFlag {
+public:
+    explicit oxScopedFlag(bool& flag) : m_flag(flag), m_previous(flag) { m_flag = true; }
+    ~oxScopedFlag() { m_flag = m_previous; }
+    oxScopedFlag(const oxScopedFlag&) = delete;
+    oxScopedFlag& operator=(const oxScopedFlag&) = delete;
+
+private:
+    bool& m_flag;
+    const bool m_previous;
+};
+
 /// The Render Settings window: the form of every output and raytracing setting, docked into
 /// the host by the module. There is one window at a time; instance() reaches it.
 class oxRenderSettings : public QMainWindow, public Ui_oxRenderSettingsGUI {

@@ -28,9 +28,11 @@ void oxRenderSettings::mergeAndPush(const oxRenderSettingsPreset& preset, int ap
 void oxRenderSettings::applyPreset(const oxRenderSettingsPreset& preset,
                                    oxRenderSettingsPreset::ApplyPresetMode applyMode)
 {
-    guiUpdateLock = true;
-    mergeAndPush(preset, applyMode);
-    guiUpdateLock = false;
+    {
+        // Restores the lock's earlier state: an apply inside another leaves it held.
+        const oxScopedFlag lock(guiUpdateLock);
+        mergeAndPush(preset, applyMode);
+    }
     updatePresetMenu();
     updateGUI();
 }

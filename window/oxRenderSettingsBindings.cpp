@@ -137,9 +137,10 @@ void oxRenderSettings::readBackVariantSetTree()
 
 void oxRenderSettings::refreshHostParameters()
 {
-    guiUpdateLock = true;
-    reassertHostParameters();
-    guiUpdateLock = false;
+    {
+        const oxScopedFlag lock(guiUpdateLock);
+        reassertHostParameters();
+    }
     updateGUI();
 }
 

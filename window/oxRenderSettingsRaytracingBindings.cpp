@@ -298,7 +298,7 @@ void oxRenderSettings::changedStillFrameSupersampling(int factor)
 }
 
 // Switching the raytracing mode may reset other parameters: the live values are captured
-// before and applied again after it.
+// before and applied again after it. Inside an apply, the apply's lock stays held throughout.
 void oxRenderSettings::changedSpectralRaytracing(bool on)
 {
     if (oxRaytracingManager::isSpectralRaytracingEnable() != on) {
