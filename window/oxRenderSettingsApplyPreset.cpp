@@ -16,12 +16,15 @@ oxRenderSettingsPresetSPtr oxRenderSettings::getCurrentRenderSettings()
 void oxRenderSettings::mergeAndPush(const oxRenderSettingsPreset& preset, int applyMode)
 {
     mergeRenderSettings(currentPreset, preset, applyMode);
-    // The push works on a copy: the spectral switch captures into the current record.
     const oxRenderSettingsPreset record = currentPreset;
     oxOSGWidget::setMotionBlur(true);
     oxOSGWidget::enableStillDOF(true);
-    if (!(applyMode & oxRenderSettingsPreset::KeepSpectral))
+    if (!(applyMode & oxRenderSettingsPreset::KeepSpectral)) {
         changedSpectralRaytracing(record.spectralRendering);
+        // The switch brings back the live values it captured, which are those from before
+        // this apply: the record being applied is the current one again.
+        currentPreset = record;
+    }
     pushRenderSettings(record);
 }
 

@@ -209,6 +209,25 @@ TEST_F(CaptureApplyTest, PushRunsInItsFixedOrderUnderTheLock)
     EXPECT_EQ(oxController::getRenderUpdateCount(), renders);
 }
 
+TEST_F(CaptureApplyTest, AnApplyThatFlipsSpectralModeEndsWithTheAppliedRecordUnderOneLock)
+{
+    std::vector<bool> lockedDuringPush;
+    const int handle = oxRenderParameter::addListener(
+        [&](const char*) { lockedDuringPush.push_back(window().isGuiUpdateLocked()); });
+    P record = distinctRecord(2);
+    record.spectralRendering = true;
+    // Without the spectral bit the switch runs inside the apply, before the push.
+    window().applyPreset(record);
+    oxRenderParameter::removeListener(handle);
+
+    EXPECT_TRUE(oxOSGWidget::getSpectralRaytracingMode());
+    EXPECT_EQ(differingFields(current(), record), std::vector<std::string>{});
+    EXPECT_EQ(differingFields(*window().getCurrentRenderSettings(), record),
+              std::vector<std::string>{});
+    EXPECT_EQ(std::count(lockedDuringPush.begin(), lockedDuringPush.end(), false), 0);
+    EXPECT_FALSE(window().isGuiUpdateLocked());
+}
+
 TEST_F(CaptureApplyTest, WithoutRaytracingUtilitiesThePushStopsAtTheViewSamples)
 {
     oxRaytracingManager::setRaytracingUtils(nullptr);
