@@ -1,92 +1,30 @@
 #include "oxRenderSettingsApply.h"
 
+#include "oxLiveParameters.h"
 #include "oxMaterialInterface.h"
 #include "oxOSGWidget.h"
-#include "oxPixelfilterFactory.h"
 #include "oxRaytracingManager.h"
 #include "oxRaytracingUtilsBase.h"
 #include "oxRenderParameter.h"
-#include "oxRenderSettings.h"
 #include "oxSceneServices.h"
-
-#include <QAction>
 
 using RP = oxRenderParameter;
 
 oxRenderSettingsPreset captureRenderSettings(const oxRenderSettingsPreset& record)
 {
     oxRenderSettingsPreset p = record;
-    p.filterType = oxPixelfilterFactory::getPixelFilterType();
-    p.filterWidth = oxPixelfilterFactory::getPixelFilterWidth();
-    p.filterHeight = oxPixelfilterFactory::getPixelFilterHeight();
-    p.imageSamples = RP::getImageSamples();
-    p.samplesThreshold = oxOSGWidget::getSamplesThreshold();
-    p.renderTime = RP::getRenderTimeInSeconds();
-    p.useTimeLimit = RP::getUseRenderTimeLimit();
-    p.useInfiniteRendering = RP::getUseInfiniteRendering();
-    p.denoiseFilterType = RP::getDenoiseFilter();
-    p.useRaySplitting = RP::getUseRaySplitting();
-    p.denoiserType = RP::getDenoiserType();
-    p.denoiserInput = RP::getDenoiserInput();
-    p.denoiseAlpha = RP::getDenoiseAlpha();
-    p.useTwoSampleMIS = RP::getUseTwoSampleImportanceSampling();
-    p.pbParameters = RP::getPBParameters();
-    p.spectralRendering = RP::getSpectralRaytracing();
-    p.displayLuminance = RP::getDisplayLuminance();
-    p.sim2LuminanceMapping = RP::getSim2LuminanceMapping();
-    p.ignoreOverrideTraceDepth = RP::getIgnoreOverrideTraceDepth();
-    p.ignoreOverrideIlluminationMode = RP::getIgnoreOverrideIlluminationMode();
-    p.ignoreOverrideReflectionQuality = RP::getIgnoreOverrideReflectionQuality();
-    p.ignoreOverrideIBLQuality = RP::getIgnoreOverrideIBLQuality();
-    p.lightOptimizationMode = RP::getLightOptimizationMode() ? 1 : 0;
-    p.brdfMode = RP::getBrdfMode();
-    p.aaThresholdQuality = RP::getAdaptiveAAThresholdQuality();
-    p.maxReflectionDepth = RP::getInteractiveReflectionDepth();
-    p.stillFrameReflectionDepth = RP::getStillFrameReflectionDepth();
-    p.enableClamping = RP::getClamping();
-    p.reflectionClampValue = RP::getReflectionClampValue();
-    p.interactiveQualityMode = RP::getInteractiveQualityMode();
-    p.interactiveQuality = RP::getInteractiveQuality();
-    p.stillQualityMode = RP::getStillFrameQualityMode();
-    p.stillQuality = RP::getStillFrameQuality();
-    p.environmentInteractiveQuality = RP::getEnvironmentInteractiveQuality();
-    p.environmentStillQuality = RP::getEnvironmentStillQuality();
-    p.photonDispersionQuality = RP::getPhotonDispersionQuality();
     // Without raytracing utilities there are no live NURBS values; the record's stand.
-    if (const oxRaytracingUtilsBase* utils = oxRaytracingManager::getRaytracingUtils()) {
-        p.nurbsMode = utils->getNurbsMode();
-        p.nurbsEpsilon = utils->getNurbsEpsilon();
-        p.nurbsNewtonEpsilon = utils->getNurbsNewtonEpsilon();
-        p.nurbsUsePreclassification = utils->getNurbsUsePreclassification();
-        p.nurbsMinDepthSurface = utils->getNurbsMinDepthSurface();
-        p.nurbsMaxDepthSurface = utils->getNurbsMaxDepthSurface();
-        p.nurbsThresholdSurface = utils->getNurbsThresholdSurface();
-        p.nurbsMinDepthCurve = utils->getNurbsMinDepthCurve();
-        p.nurbsMaxDepthCurve = utils->getNurbsMaxDepthCurve();
-        p.nurbsThresholdCurve = utils->getNurbsThresholdCurve();
+    const bool utils = oxRaytracingManager::getRaytracingUtils() != nullptr;
+    for (const oxLiveParameter& parameter : oxLiveParameters()) {
+        if (parameter.stage == oxLiveStage::Nurbs && !utils)
+            continue;
+        std::visit(
+            [&p](const auto& access) {
+                if (access.get)
+                    p.*access.field = access.get();
+            },
+            parameter.access);
     }
-    p.renderer = RP::getRenderer();
-    p.sampleOffset = RP::getRaytracingSampleOffset();
-    p.interactiveTextureSharpness = RP::getInteractiveTextureSharpness();
-    p.textureSharpness = RP::getStillFrameTextureSharpness();
-    p.lightEvaluationThreshold = RP::getLightEvaluationThreshold();
-    p.highQualityTextureFiltering = RP::getUseHighQualityTextureFiltering();
-    p.stillFrameSupersampling = RP::getStillFrameSupersampling();
-    p.photonMode = RP::getPhotonMode();
-    p.photonTraceDepth = RP::getPhotonTraceDepth();
-    p.photonNoiseReductionSteps = RP::getPhotonNoiseReductionSteps();
-    p.photonUseAutomaticRadius = RP::getPhotonUseAutomaticRadius();
-    p.photonLookupCount = RP::getPhotonLookupCount();
-    p.interactiveFinalGatherQuality = RP::getInteractiveFinalGatherQuality();
-    p.finalGatherQuality = RP::getStillFrameFinalGatherQuality();
-    p.finalGatherRadius = RP::getFinalGatherRadius();
-    p.useFinalGatherForGlossy = RP::getUseFinalGatherForGlossy();
-    p.indirectPhotonRadius = RP::getIndirectPhotonRadius();
-    p.interactivePhotonCount = RP::getInteractivePhotonCount();
-    p.photonCount = RP::getStillFramePhotonCount();
-    p.photonMapRefreshMode = RP::getPhotonMapRefreshMode();
-    p.photonMapFreezeMode = RP::getPhotonMapFreezeMode();
-    p.illuminant = RP::getIlluminant();
     return p;
 }
 
@@ -152,141 +90,39 @@ void pushPhotometric(const oxRenderSettingsPreset& p)
 
 } // namespace
 
+namespace {
+
+void pushStage(const oxRenderSettingsPreset& p, oxLiveStage stage)
+{
+    for (const oxLiveParameter& parameter : oxLiveParameters()) {
+        if (parameter.stage != stage)
+            continue;
+        std::visit(
+            [&p](const auto& access) {
+                if (access.set)
+                    access.set(p.*access.field);
+            },
+            parameter.access);
+    }
+}
+
+} // namespace
+
 void pushRenderSettings(const oxRenderSettingsPreset& p)
 {
-    RP::setDenoiseFilter(p.denoiseFilterType);
-    RP::setUseRaySplitting(p.useRaySplitting);
-    RP::setDenoiserType(p.denoiserType);
-    RP::setDenoiserInput(p.denoiserInput);
-    RP::setDenoiseAlpha(p.denoiseAlpha);
-    RP::setUseTwoSampleImportanceSampling(p.useTwoSampleMIS);
-
+    pushStage(p, oxLiveStage::Denoise);
     pushPhotometric(p);
-
-    oxPixelfilterFactory::setPixelFilterType(p.filterType);
-    oxPixelfilterFactory::setPixelFilterWidth(p.filterWidth);
-    oxPixelfilterFactory::setPixelFilterHeight(p.filterHeight);
+    pushStage(p, oxLiveStage::PixelFilter);
 
     oxRaytracingUtilsBase* utils = oxRaytracingManager::getRaytracingUtils();
-    oxOSGWidget::setImageSamples(p.imageSamples);
-    oxOSGWidget::setSamplesThreshold(p.samplesThreshold);
+    pushStage(p, oxLiveStage::View);
     if (!utils)
         return;
     utils->updatePixelFilter();
 
-    RP::setInteractiveReflectionDepth(p.maxReflectionDepth);
-    RP::setStillFrameReflectionDepth(p.stillFrameReflectionDepth);
-    RP::setImageSamples(p.imageSamples);
-    RP::setAdaptiveAAThresholdQuality(p.aaThresholdQuality);
-    RP::setClamping(p.enableClamping);
-    RP::setReflectionClampValue(p.reflectionClampValue);
-    RP::setLightOptimizationMode(p.lightOptimizationMode != 0);
-    RP::setBrdfMode(p.brdfMode);
-    RP::setPBParameters(p.pbParameters);
-    RP::setUseHighQualityTextureFiltering(p.highQualityTextureFiltering);
-    RP::setStillFrameSupersampling(p.stillFrameSupersampling);
-    RP::setIgnoreOverrideTraceDepth(p.ignoreOverrideTraceDepth);
-    RP::setIgnoreOverrideIlluminationMode(p.ignoreOverrideIlluminationMode);
-    RP::setIgnoreOverrideReflectionQuality(p.ignoreOverrideReflectionQuality);
-    RP::setIgnoreOverrideIBLQuality(p.ignoreOverrideIBLQuality);
-    RP::setInteractiveQualityMode(p.interactiveQualityMode);
-    RP::setInteractiveQuality(p.interactiveQuality);
-    RP::setStillFrameQualityMode(p.stillQualityMode);
-    RP::setStillFrameQuality(p.stillQuality);
-    RP::setEnvironmentInteractiveQuality(p.environmentInteractiveQuality);
-    RP::setEnvironmentStillQuality(p.environmentStillQuality);
-    RP::setPhotonDispersionQuality(p.photonDispersionQuality);
-    RP::setRenderTimeInSeconds(p.renderTime);
-    RP::setUseRenderTimeLimit(p.useTimeLimit);
-    RP::setUseInfiniteRendering(p.useInfiniteRendering);
-    // Again at the end: the quality and time settings above may have switched it.
+    pushStage(p, oxLiveStage::Raytracing);
+    // Again: the quality and time settings above may have switched it.
     RP::setDenoiseFilter(p.denoiseFilterType);
-
-    utils->setNurbsMode(p.nurbsMode);
-    utils->setNurbsEpsilon(p.nurbsEpsilon);
-    utils->setNurbsNewtonEpsilon(p.nurbsNewtonEpsilon);
-    utils->setNurbsMinDepthSurface(p.nurbsMinDepthSurface);
-    utils->setNurbsMaxDepthSurface(p.nurbsMaxDepthSurface);
-    utils->setNurbsThresholdSurface(p.nurbsThresholdSurface);
-    utils->setNurbsMinDepthCurve(p.nurbsMinDepthCurve);
-    utils->setNurbsMaxDepthCurve(p.nurbsMaxDepthCurve);
-    utils->setNurbsThresholdCurve(p.nurbsThresholdCurve);
-    utils->setNurbsUsePreclassification(p.nurbsUsePreclassification);
-
-    RP::setRenderer(p.renderer);
-    RP::setPhotonMode(p.photonMode);
-    RP::setPhotonTraceDepth(p.photonTraceDepth);
-    RP::setPhotonNoiseReductionSteps(p.photonNoiseReductionSteps);
-    RP::setPhotonUseAutomaticRadius(p.photonUseAutomaticRadius);
-    RP::setInteractiveFinalGatherQuality(p.interactiveFinalGatherQuality);
-    RP::setStillFrameFinalGatherQuality(p.finalGatherQuality);
-    RP::setFinalGatherRadius(p.finalGatherRadius);
-    RP::setUseFinalGatherForGlossy(p.useFinalGatherForGlossy);
-    RP::setIndirectPhotonRadius(p.indirectPhotonRadius);
-    RP::setInteractivePhotonCount(p.interactivePhotonCount);
-    RP::setStillFramePhotonCount(p.photonCount);
-    RP::setPhotonMapRefreshMode(p.photonMapRefreshMode);
-    RP::setPhotonMapFreezeMode(p.photonMapFreezeMode);
-    RP::setPhotonLookupCount(p.photonLookupCount);
-    RP::setRaytracingSampleOffset(p.sampleOffset);
-    RP::setInteractiveTextureSharpness(p.interactiveTextureSharpness);
-    RP::setStillFrameTextureSharpness(p.textureSharpness);
-    RP::setLightEvaluationThreshold(p.lightEvaluationThreshold);
-    RP::setIlluminant(p.illuminant);
-}
-
-// The window's side: capture and apply.
-
-oxRenderSettingsPresetSPtr oxRenderSettings::getCurrentRenderSettings()
-{
-    return std::make_shared<oxRenderSettingsPreset>(captureRenderSettings(currentPreset));
-}
-
-void oxRenderSettings::mergeAndPush(const oxRenderSettingsPreset& preset, int applyMode)
-{
-    mergeRenderSettings(currentPreset, preset, applyMode);
-    // The push works on a copy: the spectral switch captures into the current record.
-    const oxRenderSettingsPreset record = currentPreset;
-    oxOSGWidget::setMotionBlur(true);
-    oxOSGWidget::enableStillDOF(true);
-    if (!(applyMode & oxRenderSettingsPreset::KeepSpectral))
-        changedSpectralRaytracing(record.spectralRendering);
-    pushRenderSettings(record);
-}
-
-void oxRenderSettings::applyPreset(const oxRenderSettingsPreset& preset,
-                                   oxRenderSettingsPreset::ApplyPresetMode applyMode)
-{
-    guiUpdateLock = true;
-    mergeAndPush(preset, applyMode);
-    guiUpdateLock = false;
-    updatePresetMenu();
-    updateGUI();
-}
-
-void oxRenderSettings::applyPreset(const oxRenderSettingsPreset& preset)
-{
-    applyPreset(preset, oxRenderSettingsPreset::ApplyAll);
-}
-
-void oxRenderSettings::applyPresetByName(const std::string& name)
-{
-    const oxRenderSettingsPresetSPtr preset = findPreset(name, presets);
-    if (!preset)
-        return;
-    // A copy: the record in the list must not change under the merge.
-    const oxRenderSettingsPreset record = *preset;
-    applyPreset(record, static_cast<oxRenderSettingsPreset::ApplyPresetMode>(kApplyModeByName));
-}
-
-void oxRenderSettings::applyPresetFromMenu()
-{
-    if (auto* action = qobject_cast<QAction*>(sender()))
-        applyPresetByName(action->text().toStdString());
-}
-
-void oxRenderSettings::applyDefaultPreset()
-{
-    loadDefaultSettings(false);
-    updatePresetMenu();
+    pushStage(p, oxLiveStage::Nurbs);
+    pushStage(p, oxLiveStage::Photons);
 }

@@ -1,17 +1,13 @@
 #include "oxRenderSettingsPresetFile.h"
 
 #include "oxFile.h"
+#include "oxLiveParameters.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageHelpers.h"
 #include "oxMessageRW.h"
-#include "oxOSGWidget.h"
-#include "oxPixelfilterFactory.h"
 #include "oxPreferences.h"
-#include "oxRaytracingManager.h"
-#include "oxRaytracingUtilsBase.h"
 #include "oxRenderSettingsKeys.h"
-#include "oxRenderParameter.h"
 
 #include <algorithm>
 #include <charconv>
@@ -20,16 +16,7 @@
 namespace {
 
 using P = oxRenderSettingsPreset;
-using R = oxRenderParameter;
 using Fallback = oxPresetColumnFallback;
-
-// Keeps T out of deduction, so that a getter of another signature (a lambda) converts.
-template <typename T>
-struct Same {
-    using type = T;
-};
-template <typename T>
-using Getter = typename Same<T>::type (*)();
 
 template <typename T>
 oxPresetColumn constructed(const char* attribute, T P::*field)
@@ -37,16 +24,18 @@ oxPresetColumn constructed(const char* attribute, T P::*field)
     return {attribute, Fallback::Constructed, oxPresetColumnField<T>{field, nullptr, nullptr}};
 }
 
+// Live columns take the live value from the store that capture reads.
 template <typename T>
-oxPresetColumn live(const char* attribute, T P::*field, Getter<T> getter)
+oxPresetColumn live(const char* attribute, T P::*field)
 {
-    return {attribute, Fallback::Live, oxPresetColumnField<T>{field, getter, nullptr}};
+    return {attribute, Fallback::Live, oxPresetColumnField<T>{field, oxLiveGetter(field), nullptr}};
 }
 
 template <typename T>
-oxPresetColumn alwaysLive(const char* attribute, T P::*field, Getter<T> getter)
+oxPresetColumn alwaysLive(const char* attribute, T P::*field)
 {
-    return {attribute, Fallback::AlwaysLive, oxPresetColumnField<T>{field, getter, nullptr}};
+    return {attribute, Fallback::AlwaysLive,
+            oxPresetColumnField<T>{field, oxLiveGetter(field), nullptr}};
 }
 
 template <typename T>
@@ -67,116 +56,81 @@ oxPresetColumn sameAs(const char* attribute, T P::*field, T P::*other)
     return {attribute, Fallback::SameAs, oxPresetColumnField<T>{field, nullptr, other}};
 }
 
-// The live NURBS values come from the raytracer's utilities; without a raytracer the field
-// keeps its constructed value, which is what T() gives for all of them.
-template <typename T, T (oxRaytracingUtilsBase::*get)() const>
-T nurbs()
-{
-    const oxRaytracingUtilsBase* utilities = oxRaytracingManager::getRaytracingUtils();
-    return utilities ? (utilities->*get)() : T();
-}
-
-using U = oxRaytracingUtilsBase;
-
 std::vector<oxPresetColumn> buildColumns()
 {
     std::vector<oxPresetColumn> columns = {
         {"name", Fallback::Required, oxPresetColumnField<std::string>{&P::name}},
         constructed("timeStamp", &P::timeStamp),
-        live("filterType", &P::filterType, &oxPixelfilterFactory::getPixelFilterType),
-        live("filterWidth", &P::filterWidth, &oxPixelfilterFactory::getPixelFilterWidth),
-        live("filterHeight", &P::filterHeight, &oxPixelfilterFactory::getPixelFilterHeight),
-        live("imageSamples", &P::imageSamples, &R::getImageSamples),
-        live("samplesThreshold", &P::samplesThreshold, &oxOSGWidget::getSamplesThreshold),
+        live("filterType", &P::filterType),
+        live("filterWidth", &P::filterWidth),
+        live("filterHeight", &P::filterHeight),
+        live("imageSamples", &P::imageSamples),
+        live("samplesThreshold", &P::samplesThreshold),
         alwaysEmpty<int>("adaptiveSamples"),
-        live("aaThresholdQuality", &P::aaThresholdQuality, &R::getAdaptiveAAThresholdQuality),
-        live("maxReflectionDepth", &P::maxReflectionDepth, &R::getInteractiveReflectionDepth),
+        live("aaThresholdQuality", &P::aaThresholdQuality),
+        live("maxReflectionDepth", &P::maxReflectionDepth),
         sameAs("stillFrameReflectionDepth", &P::stillFrameReflectionDepth, &P::maxReflectionDepth),
-        live("enableClamping", &P::enableClamping, &R::getClamping),
-        live("reflectionClampValue", &P::reflectionClampValue, &R::getReflectionClampValue),
-        live("pbParameters", &P::pbParameters, &R::getPBParameters),
-        live("spectralRendering", &P::spectralRendering, &R::getSpectralRaytracing),
-        live("displayLuminance", &P::displayLuminance, &R::getDisplayLuminance),
-        live("sim2LuminanceMapping", &P::sim2LuminanceMapping, &R::getSim2LuminanceMapping),
-        live("ignoreOverrideTraceDepth", &P::ignoreOverrideTraceDepth,
-             &R::getIgnoreOverrideTraceDepth),
-        live("ignoreOverrideIlluminationMode", &P::ignoreOverrideIlluminationMode,
-             &R::getIgnoreOverrideIlluminationMode),
-        live("ignoreOverrideReflectionQuality", &P::ignoreOverrideReflectionQuality,
-             &R::getIgnoreOverrideReflectionQuality),
-        live("ignoreOverrideIBLQuality", &P::ignoreOverrideIBLQuality,
-             &R::getIgnoreOverrideIBLQuality),
-        // The host holds the light optimisation as a switch, the record as a number.
-        live(
-            "lightOptimizationMode", &P::lightOptimizationMode,
-            +[]() -> int { return R::getLightOptimizationMode() ? 1 : 0; }),
-        live("brdfMode", &P::brdfMode, &R::getBrdfMode),
-        live("interactiveQualityMode", &P::interactiveQualityMode, &R::getInteractiveQualityMode),
-        live("interactiveQuality", &P::interactiveQuality, &R::getInteractiveQuality),
-        live("stillQualityMode", &P::stillQualityMode, &R::getStillFrameQualityMode),
-        live("stillQuality", &P::stillQuality, &R::getStillFrameQuality),
-        live("environmentInteractiveQuality", &P::environmentInteractiveQuality,
-             &R::getEnvironmentInteractiveQuality),
-        live("environmentStillQuality", &P::environmentStillQuality,
-             &R::getEnvironmentStillQuality),
-        live("photonDispersionQuality", &P::photonDispersionQuality,
-             &R::getPhotonDispersionQuality),
-        live("nurbsMode", &P::nurbsMode, &nurbs<int, &U::getNurbsMode>),
-        live("nurbsEpsilon", &P::nurbsEpsilon, &nurbs<float, &U::getNurbsEpsilon>),
-        live("nurbsNewtonEpsilon", &P::nurbsNewtonEpsilon,
-             &nurbs<float, &U::getNurbsNewtonEpsilon>),
-        live("nurbsUsePreclassification", &P::nurbsUsePreclassification,
-             &nurbs<bool, &U::getNurbsUsePreclassification>),
-        live("nurbsMinDepthSurface", &P::nurbsMinDepthSurface,
-             &nurbs<int, &U::getNurbsMinDepthSurface>),
-        live("nurbsMaxDepthSurface", &P::nurbsMaxDepthSurface,
-             &nurbs<int, &U::getNurbsMaxDepthSurface>),
-        live("nurbsThresholdSurface", &P::nurbsThresholdSurface,
-             &nurbs<float, &U::getNurbsThresholdSurface>),
-        live("nurbsMinDepthCurve", &P::nurbsMinDepthCurve, &nurbs<int, &U::getNurbsMinDepthCurve>),
-        live("nurbsMaxDepthCurve", &P::nurbsMaxDepthCurve, &nurbs<int, &U::getNurbsMaxDepthCurve>),
-        live("nurbsThresholdCurve", &P::nurbsThresholdCurve,
-             &nurbs<float, &U::getNurbsThresholdCurve>),
-        live("renderer", &P::renderer, &R::getRenderer),
-        live("SampleOffset", &P::sampleOffset, &R::getRaytracingSampleOffset),
-        live("Interactive Texture Sharpness", &P::interactiveTextureSharpness,
-             &R::getInteractiveTextureSharpness),
-        live("Texture Sharpness", &P::textureSharpness, &R::getStillFrameTextureSharpness),
-        live("Light Evaluation Threshold", &P::lightEvaluationThreshold,
-             &R::getLightEvaluationThreshold),
-        live("High Quality Texture Filtering", &P::highQualityTextureFiltering,
-             &R::getUseHighQualityTextureFiltering),
-        live("Still Frame Supersampling", &P::stillFrameSupersampling,
-             &R::getStillFrameSupersampling),
-        live("photonMode", &P::photonMode, &R::getPhotonMode),
-        live("Photon Trace Depth", &P::photonTraceDepth, &R::getPhotonTraceDepth),
-        live("photonNoiseReductionSteps", &P::photonNoiseReductionSteps,
-             &R::getPhotonNoiseReductionSteps),
-        live("photonUseAutomaticRadius", &P::photonUseAutomaticRadius,
-             &R::getPhotonUseAutomaticRadius),
-        live("Photon Lookup Count", &P::photonLookupCount, &R::getPhotonLookupCount),
+        live("enableClamping", &P::enableClamping),
+        live("reflectionClampValue", &P::reflectionClampValue),
+        live("pbParameters", &P::pbParameters),
+        live("spectralRendering", &P::spectralRendering),
+        live("displayLuminance", &P::displayLuminance),
+        live("sim2LuminanceMapping", &P::sim2LuminanceMapping),
+        live("ignoreOverrideTraceDepth", &P::ignoreOverrideTraceDepth),
+        live("ignoreOverrideIlluminationMode", &P::ignoreOverrideIlluminationMode),
+        live("ignoreOverrideReflectionQuality", &P::ignoreOverrideReflectionQuality),
+        live("ignoreOverrideIBLQuality", &P::ignoreOverrideIBLQuality),
+        live("lightOptimizationMode", &P::lightOptimizationMode),
+        live("brdfMode", &P::brdfMode),
+        live("interactiveQualityMode", &P::interactiveQualityMode),
+        live("interactiveQuality", &P::interactiveQuality),
+        live("stillQualityMode", &P::stillQualityMode),
+        live("stillQuality", &P::stillQuality),
+        live("environmentInteractiveQuality", &P::environmentInteractiveQuality),
+        live("environmentStillQuality", &P::environmentStillQuality),
+        live("photonDispersionQuality", &P::photonDispersionQuality),
+        live("nurbsMode", &P::nurbsMode),
+        live("nurbsEpsilon", &P::nurbsEpsilon),
+        live("nurbsNewtonEpsilon", &P::nurbsNewtonEpsilon),
+        live("nurbsUsePreclassification", &P::nurbsUsePreclassification),
+        live("nurbsMinDepthSurface", &P::nurbsMinDepthSurface),
+        live("nurbsMaxDepthSurface", &P::nurbsMaxDepthSurface),
+        live("nurbsThresholdSurface", &P::nurbsThresholdSurface),
+        live("nurbsMinDepthCurve", &P::nurbsMinDepthCurve),
+        live("nurbsMaxDepthCurve", &P::nurbsMaxDepthCurve),
+        live("nurbsThresholdCurve", &P::nurbsThresholdCurve),
+        live("renderer", &P::renderer),
+        live("SampleOffset", &P::sampleOffset),
+        live("Interactive Texture Sharpness", &P::interactiveTextureSharpness),
+        live("Texture Sharpness", &P::textureSharpness),
+        live("Light Evaluation Threshold", &P::lightEvaluationThreshold),
+        live("High Quality Texture Filtering", &P::highQualityTextureFiltering),
+        live("Still Frame Supersampling", &P::stillFrameSupersampling),
+        live("photonMode", &P::photonMode),
+        live("Photon Trace Depth", &P::photonTraceDepth),
+        live("photonNoiseReductionSteps", &P::photonNoiseReductionSteps),
+        live("photonUseAutomaticRadius", &P::photonUseAutomaticRadius),
+        live("Photon Lookup Count", &P::photonLookupCount),
         sameAs("interactiveFinalGatherQuality", &P::interactiveFinalGatherQuality,
                &P::finalGatherQuality),
-        live("finalGatherQuality", &P::finalGatherQuality, &R::getStillFrameFinalGatherQuality),
-        live("finalGatherRadius", &P::finalGatherRadius, &R::getFinalGatherRadius),
-        live("Use Final Gather for Glossy", &P::useFinalGatherForGlossy,
-             &R::getUseFinalGatherForGlossy),
-        live("indirectPhotonRadius", &P::indirectPhotonRadius, &R::getIndirectPhotonRadius),
-        live("interactivePhotonCount", &P::interactivePhotonCount, &R::getInteractivePhotonCount),
-        live("photonCount", &P::photonCount, &R::getStillFramePhotonCount),
-        live("photonMapRefreshMode", &P::photonMapRefreshMode, &R::getPhotonMapRefreshMode),
-        live("photonMapFreezeMode", &P::photonMapFreezeMode, &R::getPhotonMapFreezeMode),
-        live("Illuminant", &P::illuminant, &R::getIlluminant),
-        live("renderTime", &P::renderTime, &R::getRenderTimeInSeconds),
-        live("useTimeLimit", &P::useTimeLimit, &R::getUseRenderTimeLimit),
-        live("Use Infinite Rendering Flag", &P::useInfiniteRendering, &R::getUseInfiniteRendering),
-        alwaysLive("Use Ray Splitting", &P::useRaySplitting, &R::getUseRaySplitting),
-        alwaysLive("Use Two Sample MIS", &P::useTwoSampleMIS,
-                   &R::getUseTwoSampleImportanceSampling),
-        live("Denoise Filter Type", &P::denoiseFilterType, &R::getDenoiseFilter),
+        live("finalGatherQuality", &P::finalGatherQuality),
+        live("finalGatherRadius", &P::finalGatherRadius),
+        live("Use Final Gather for Glossy", &P::useFinalGatherForGlossy),
+        live("indirectPhotonRadius", &P::indirectPhotonRadius),
+        live("interactivePhotonCount", &P::interactivePhotonCount),
+        live("photonCount", &P::photonCount),
+        live("photonMapRefreshMode", &P::photonMapRefreshMode),
+        live("photonMapFreezeMode", &P::photonMapFreezeMode),
+        live("Illuminant", &P::illuminant),
+        live("renderTime", &P::renderTime),
+        live("useTimeLimit", &P::useTimeLimit),
+        live("Use Infinite Rendering Flag", &P::useInfiniteRendering),
+        alwaysLive("Use Ray Splitting", &P::useRaySplitting),
+        alwaysLive("Use Two Sample MIS", &P::useTwoSampleMIS),
+        live("Denoise Filter Type", &P::denoiseFilterType),
         alwaysEmpty<bool>(kOldDenoiseFlagKey),
-        live("Denoiser Type", &P::denoiserType, &R::getDenoiserType),
-        live("Denoiser Input", &P::denoiserInput, &R::getDenoiserInput),
+        live("Denoiser Type", &P::denoiserType),
+        live("Denoiser Input", &P::denoiserInput),
         dropped("Denoise Alpha", &P::denoiseAlpha),
         constructed("filename", &P::filename),
         constructed("view", &P::view),

@@ -17,6 +17,20 @@ class oxMessage;
 class oxMovieExport;
 class oxPresetGUII;
 
+/// Sets a busy flag for the life of the guard and puts its earlier value back on every way
+/// out, so that a guard inside another leaves the flag set.
+class oxScopedFlag {
+public:
+    explicit oxScopedFlag(bool& flag) : m_flag(flag), m_previous(flag) { m_flag = true; }
+    ~oxScopedFlag() { m_flag = m_previous; }
+    oxScopedFlag(const oxScopedFlag&) = delete;
+    oxScopedFlag& operator=(const oxScopedFlag&) = delete;
+
+private:
+    bool& m_flag;
+    const bool m_previous;
+};
+
 /// The Render Settings window: the form of every output and raytracing setting, docked into
 /// the host by the module. There is one window at a time; instance() reaches it.
 class oxRenderSettings : public QMainWindow, public Ui_oxRenderSettingsGUI {
@@ -331,13 +345,20 @@ private:
     int decideBrdfMode(const oxMessage& project, int reference);
     void connectBindings();
     void disconnectBindings();
+    /// The widgets of one tab: their connections and their pass of updateGUI.
+    void connectOutputBindings();
+    void connectRaytracingBindings();
+    void connectQualityBindings();
+    void connectDisplayBindings();
     void connectImageSize();
     void fillImageSizes();
-    /// One pass of updateGUI over a group of widgets.
     void updateOutputWidgets();
     void updateRaytracingWidgets();
+    void updateQualityWidgets();
     void updatePhotonWidgets();
     void updateDisplayWidgets();
+    /// Runs each host parameter that a scene replaced through its setter again.
+    void reassertHostParameters();
     /// The live refresh: updateGUI, a render update and the scene marked modified.
     void refreshLive();
     /// Sends all ten post-processing flags, the checked state of the widget that just changed

