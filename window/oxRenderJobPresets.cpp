@@ -186,26 +186,27 @@ void oxRenderSettings::applyRQPresetByName(const char* name)
 
 void oxRenderSettings::receiveRenderSettingsFromRenderQueue(const oxMessage& job)
 {
-    guiUpdateLock = true;
-    oxRenderSettingsPreset& preset = currentPreset;
-    if (const std::optional<std::string> hosts = readRenderJobMessage(job, preset)) {
-        const QSignalBlocker blockHosts(_cluster_hosts);
-        const QSignalBlocker blockCluster(_cluster);
-        _cluster_hosts->setText(QString::fromStdString(*hosts));
-        _cluster->setChecked(!hosts->empty());
-    }
+    {
+        const oxScopedFlag lock(guiUpdateLock);
+        oxRenderSettingsPreset& preset = currentPreset;
+        if (const std::optional<std::string> hosts = readRenderJobMessage(job, preset)) {
+            const QSignalBlocker blockHosts(_cluster_hosts);
+            const QSignalBlocker blockCluster(_cluster);
+            _cluster_hosts->setText(QString::fromStdString(*hosts));
+            _cluster->setChecked(!hosts->empty());
+        }
 
-    oxRenderParameter::setImageSamples(preset.imageSamples);
-    oxRenderParameter::setStillFrameQualityMode(preset.stillQualityMode);
-    oxRenderParameter::setRenderTimeInSeconds(preset.renderTime);
-    oxRenderParameter::setUseRenderTimeLimit(preset.useTimeLimit);
-    oxRenderParameter::setUseInfiniteRendering(preset.useInfiniteRendering);
-    // The queue's hosts expect the denoiser pushed twice: once as read, once after the old
-    // switch was settled (the read already settled it, so both are the same).
-    oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
-    oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
-    oxRenderParameter::setDenoiseAlpha(preset.denoiseAlpha);
-    guiUpdateLock = false;
+        oxRenderParameter::setImageSamples(preset.imageSamples);
+        oxRenderParameter::setStillFrameQualityMode(preset.stillQualityMode);
+        oxRenderParameter::setRenderTimeInSeconds(preset.renderTime);
+        oxRenderParameter::setUseRenderTimeLimit(preset.useTimeLimit);
+        oxRenderParameter::setUseInfiniteRendering(preset.useInfiniteRendering);
+        // The queue's hosts expect the denoiser pushed twice: once as read, once after the old
+        // switch was settled (the read already settled it, so both are the same).
+        oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
+        oxRenderParameter::setDenoiseFilter(preset.denoiseFilterType);
+        oxRenderParameter::setDenoiseAlpha(preset.denoiseAlpha);
+    }
     updateGUI();
 }
 

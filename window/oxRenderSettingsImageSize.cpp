@@ -8,6 +8,8 @@
 #include "oxOSGWidget.h"
 #include "oxRenderSettings.h"
 
+#include <QSignalBlocker>
+
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QInputDialog>
@@ -122,9 +124,8 @@ oxOSGWidget* renderWindow() { return oxOSGWidget::getMGLW(-1); }
 template <typename W, typename F>
 void quiet(W* widget, F&& write)
 {
-    widget->blockSignals(true);
+    const QSignalBlocker blocker(widget);
     write(widget);
-    widget->blockSignals(false);
 }
 
 } // namespace
@@ -198,17 +199,18 @@ void oxRenderSettings::changedImageSize(int index)
         printHeight = printFromPixels(pixelHeight, dpi);
     }
 
-    regionSyncLock = true;
-    quiet(_dpi, [dpi](QSpinBox* box) { box->setValue(int(dpi)); });
-    quiet(_pixel_size, [=](QOXVec2Control* c) {
-        c->setX(pixelWidth);
-        c->setY(pixelHeight);
-    });
-    quiet(_print_size, [=](QOXVec2Control* c) {
-        c->setX(printWidth);
-        c->setY(printHeight);
-    });
-    regionSyncLock = false;
+    {
+        const oxScopedFlag lock(regionSyncLock);
+        quiet(_dpi, [dpi](QSpinBox* box) { box->setValue(int(dpi)); });
+        quiet(_pixel_size, [=](QOXVec2Control* c) {
+            c->setX(pixelWidth);
+            c->setY(pixelHeight);
+        });
+        quiet(_print_size, [=](QOXVec2Control* c) {
+            c->setX(printWidth);
+            c->setY(printHeight);
+        });
+    }
 
     // A region over the whole image keeps its ends; one that follows the render view's region
     // is taken over below instead.

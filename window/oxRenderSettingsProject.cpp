@@ -89,13 +89,12 @@ int oxRenderSettings::decideBrdfMode(const oxMessage& project, int reference)
 
 void oxRenderSettings::loadSettings(oxMessage& project)
 {
-    guiUpdateLock = true;
-    readSceneSettings(project, currentPreset,
-                      [&](int reference) { return decideBrdfMode(project, reference); });
-
-    guiUpdateLock = true;
-    mergeAndPush(currentPreset, kApplyModeSceneLoad);
-    guiUpdateLock = false;
+    {
+        const oxScopedFlag lock(guiUpdateLock);
+        readSceneSettings(project, currentPreset,
+                          [&](int reference) { return decideBrdfMode(project, reference); });
+        mergeAndPush(currentPreset, kApplyModeSceneLoad);
+    }
     updatePresetMenu();
     updateGUI();
 
@@ -105,7 +104,6 @@ void oxRenderSettings::loadSettings(oxMessage& project)
     oxRenderParameter::setStillFrameSupersampling(currentPreset.stillFrameSupersampling);
     applyRenderRegion();
     applyHeadlightPhotometric(currentPreset.pbParameters);
-    guiUpdateLock = false;
     updateGUI();
 }
 
@@ -117,18 +115,17 @@ void oxRenderSettings::saveSettings(oxMessage& project)
 
 void oxRenderSettings::loadDefaultSettings(bool)
 {
-    guiUpdateLock = true;
     const oxMessage& preferences = oxPreferences::getData();
-    readDefaultSettings(preferences, currentPreset);
-
-    mergeAndPush(currentPreset, oxRenderSettingsPreset::ApplyAll);
-    guiUpdateLock = false;
+    {
+        const oxScopedFlag lock(guiUpdateLock);
+        readDefaultSettings(preferences, currentPreset);
+        mergeAndPush(currentPreset, oxRenderSettingsPreset::ApplyAll);
+    }
     updatePresetMenu();
     updateGUI();
 
     applyHeadlightPhotometric(false);
     switchPhotometricFlag(currentPreset.pbParameters);
-    guiUpdateLock = false;
     updateGUI();
 
     bool cluster = false;
@@ -150,10 +147,11 @@ void oxRenderSettings::loadSettingsCallback(oxMessage& message)
     oxRenderSettings* window = instance();
     if (!window || message.getMap().empty())
         return;
-    window->guiUpdateLock = true;
-    readHandedInSettings(message, window->currentPreset);
-    if (window->currentPreset.use_render_region)
-        window->applyRenderRegion();
-    window->guiUpdateLock = false;
+    {
+        const oxScopedFlag lock(window->guiUpdateLock);
+        readHandedInSettings(message, window->currentPreset);
+        if (window->currentPreset.use_render_region)
+            window->applyRenderRegion();
+    }
     window->updateGUI();
 }
