@@ -140,3 +140,11 @@ constexpr const char* kCheckBrdfModePreference = "Render settings check BRDF mod
 constexpr const char* kUpdateBrdfModePreference = "Render settings update BRDF mode";
 /// The page name under which changed preferences of this plug-in are announced.
 constexpr const char* kPreferencesPage = "Render Settings";
+
+/// Under which XMP property the image metadata writer stores each output setting: the
+/// property name and the record field, whose scene key the writer files the value under.
+struct oxXmpProperty {
+    const char* xmp;
+    oxSettingField field;
+};
+extern const std::array<oxXmpProperty, 26> kXmpProperties;

@@ -3,6 +3,7 @@
 // premultiply flag.
 
 #include "oxRenderSettingsBindingSupport.h"
+#include "oxRenderSettingsKeys.h"
 
 #include "QOXColorManipulator.h"
 #include "QOXMultiLevelComboBox.h"
@@ -28,42 +29,6 @@ using P = oxRenderSettingsPreset;
 // Metadata: the four single flags and the raytracing settings group (image, animation, passes,
 // raytracing).
 constexpr int kEmbedRenderSettingsMask = 120;
-
-// Under which XMP property the image metadata writer stores each settings key of the record's
-// message form.
-struct oxXmpProperty {
-    const char* xmp;
-    const char* messageKey;
-};
-
-const std::array<oxXmpProperty, 26> kXmpProperties = {{
-    {"pixelWidth", "ImageExport floatwidth"},
-    {"pixelHeight", "ImageExport floatheight"},
-    {"ppi", "MovieExport ppi"},
-    {"useRenderRegion", "ImageExport use region render"},
-    {"renderRegionStartX", "ImageExport region start x"},
-    {"renderRegionStartY", "ImageExport region start y"},
-    {"renderRegionEndX", "ImageExport region end x"},
-    {"renderRegionEndY", "ImageExport region end y"},
-    {"ssFactor", "MovieExport ssfactor"},
-    {"tonemapHDR", "MovieExport tonemap hdr"},
-    {"exportAlphaChannel", "MovieExport alpha"},
-    {"premultiplyAlpha", "MovieExport Premultiply"},
-    {"backgroundColorR", "MovieExport Premultiply Red"},
-    {"backgroundColorG", "MovieExport Premultiply Green"},
-    {"backgroundColorB", "MovieExport Premultiply Blue"},
-    {"iccProfileID", "MovieExport ICC Profile"},
-    {"metaDataFlags", "ImageExport Embed MetaData Flags"},
-    {"animationEnabled", "MovieExport Render Animation"},
-    {"animationType", "MovieExport Animation Type"},
-    {"animationExportType", "MovieExport Animation Format"},
-    {"animationClip", "MovieExport Clip"},
-    {"useClipRange", "MovieExport Use Clip Range"},
-    {"startFrame", "MovieExport start frame"},
-    {"stopFrame", "MovieExport stop frame"},
-    {"stepFrame", "MovieExport step frame"},
-    {"animationFps", "MovieExport fps"},
-}};
 
 std::vector<Toggle<RecordField>> recordToggles(Self& w)
 {
@@ -158,7 +123,7 @@ void oxRenderSettings::connectOutputBindings()
         auto& map = oxImageMetaData::getRenderSettingsXMPToMsgMap();
         if (map.empty()) {
             for (const oxXmpProperty& property : kXmpProperties)
-                map[property.xmp] = property.messageKey;
+                map[property.xmp] = findSceneKey(property.field)->key;
         }
     } else {
         _metaDataCF->hide();
