@@ -29,25 +29,16 @@ using Group = oxRenderAutomationVariantSetGroup;
 using StringPairs = std::vector<std::pair<std::string, std::string>>;
 namespace fs = std::filesystem;
 
-// Keeps the log off stderr while a test feeds bad input on purpose, and collects its errors.
-class QuietLog {
-public:
-    QuietLog() { oxLog::setStderrEnabled(false); }
-    ~QuietLog() { oxLog::setStderrEnabled(true); }
-    QuietLog(const QuietLog&) = delete;
-    QuietLog& operator=(const QuietLog&) = delete;
-
-    std::vector<std::string> errors() const { return m_capture.messages(oxLog::Error); }
-    bool mentions(const std::string& part) const
+// Bad input is fed on purpose: the one error a failed write logs names what went wrong.
+class MessageRWTest : public oxTest {
+protected:
+    void expectErrorNaming(const std::string& part)
     {
-        for (const std::string& error : errors())
-            if (error.find(part) != std::string::npos)
-                return true;
-        return false;
+        const std::vector<std::string> errors = log().messages(oxLog::Error);
+        ASSERT_FALSE(errors.empty()) << "no error naming " << part;
+        EXPECT_NE(errors.back().find(part), std::string::npos) << errors.back();
+        expectLog(oxLog::Error, errors.back());
     }
-
-private:
-    oxLogCapture m_capture;
 };
 
 uint32_t bitsOf(float value)
@@ -132,7 +123,7 @@ std::vector<std::string> awkwardStrings()
 
 } // namespace
 
-TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
+TEST_F(MessageRWTest, ScalarsKeepTheirTypeAndEdgeValues)
 {
     oxMessage message(5);
     message.set("true", true);
@@ -143,12 +134,6 @@ TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
     message.set("uintMax", UINT_MAX);
     message.set("uintZero", 0u);
     message.set("float", 0.1f);
-    message.set("floatMax", std::numeric_limits<float>::max());
-    message.set("denormal", std::numeric_limits<float>::denorm_min());
-    message.set("negZero", -0.0f);
-    message.set("nan", std::numeric_limits<float>::quiet_NaN());
-    message.set("inf", std::numeric_limits<float>::infinity());
-    message.set("negInf", -std::numeric_limits<float>::infinity());
     message.set("string", std::string("text"));
     message.set("cstring", static_cast<const char*>("from a literal"));
     message.set("qstring", QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
@@ -163,9 +148,7 @@ TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
     EXPECT_EQ(valueOf<int>(result, "intZero"), 0);
     EXPECT_EQ(valueOf<unsigned int>(result, "uintMax"), UINT_MAX);
     EXPECT_EQ(valueOf<unsigned int>(result, "uintZero"), 0u);
-    for (const char* name : {"float", "floatMax", "denormal", "negZero", "nan", "inf", "negInf"})
-        EXPECT_EQ(bitsOf(valueOf<float>(result, name)), bitsOf(valueOf<float>(message, name)))
-            << name;
+    EXPECT_EQ(valueOf<float>(result, "float"), 0.1f);
     EXPECT_EQ(valueOf<std::string>(result, "string"), "text");
     // A stored C string comes back as a std::string.
     EXPECT_EQ(valueOf<std::string>(result, "cstring"), "from a literal");
@@ -173,7 +156,7 @@ TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
                                                                      "e"));
 }
 
-TEST(oxMessageRW, FloatsAreBitExact)
+TEST_F(MessageRWTest, FloatsAreBitExact)
 {
     std::vector<float> values = {
         0.0f,
@@ -215,7 +198,7 @@ TEST(oxMessageRW, FloatsAreBitExact)
     EXPECT_EQ(bitsOf(valueOf<float>(result, "signalling")), 0x7F800001u);
 }
 
-TEST(oxMessageRW, NumericVectorsKeepRangeAndLength)
+TEST_F(MessageRWTest, NumericVectorsKeepRangeAndLength)
 {
     std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
     std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
@@ -238,7 +221,7 @@ TEST(oxMessageRW, NumericVectorsKeepRangeAndLength)
     EXPECT_EQ(valueOf<std::vector<bool>>(result, "oneBool"), std::vector<bool>{false});
 }
 
-TEST(oxMessageRW, AwkwardStringsComeBackByteExact)
+TEST_F(MessageRWTest, AwkwardStringsComeBackByteExact)
 {
     const std::vector<std::string> strings = awkwardStrings();
     oxMessage message;
@@ -268,7 +251,7 @@ TEST(oxMessageRW, AwkwardStringsComeBackByteExact)
     EXPECT_EQ(valueOf<std::vector<Group>>(result, "groups"), groups);
 }
 
-TEST(oxMessageRW, QStringsKeepTheirUtf16)
+TEST_F(MessageRWTest, QStringsKeepTheirUtf16)
 {
     const std::vector<QString> strings = {
         QString(),
@@ -288,7 +271,7 @@ TEST(oxMessageRW, QStringsKeepTheirUtf16)
         EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), strings[i]) << i;
 }
 
-TEST(oxMessageRW, EmptyAndNestedLists)
+TEST_F(MessageRWTest, EmptyAndNestedLists)
 {
     const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
                                            makeGroup("Look", {"day", "night"})};
@@ -327,7 +310,7 @@ TEST(oxMessageRW, EmptyAndNestedLists)
     EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
 }
 
-TEST(oxMessageRW, RecordAttributesAndId)
+TEST_F(MessageRWTest, RecordAttributesAndId)
 {
     oxMessage message(std::numeric_limits<uint64_t>::max());
     message.addAttribute("rendersettings_version", "1");
@@ -359,7 +342,7 @@ TEST(oxMessageRW, RecordAttributesAndId)
     EXPECT_TRUE(roundTrip(zero).getAttributes().empty());
 }
 
-TEST(oxMessageRW, ReadReplacesTheWholeMessage)
+TEST_F(MessageRWTest, ReadReplacesTheWholeMessage)
 {
     oxMessage source(11);
     source.set("kept", 2);
@@ -377,7 +360,7 @@ TEST(oxMessageRW, ReadReplacesTheWholeMessage)
     EXPECT_EQ(target.getAttibute("old"), "");
 }
 
-TEST(oxMessageRW, ToleratesHandEditing)
+TEST_F(MessageRWTest, ToleratesHandEditing)
 {
     // Comments, CRLF line ends, padding around numbers, base64 wrapped over lines, CDATA.
     const std::string text =
@@ -409,7 +392,7 @@ TEST(oxMessageRW, ToleratesHandEditing)
     EXPECT_EQ(message.getMap().size(), 6u); // not the commented-out one
 }
 
-TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
+TEST_F(MessageRWTest, RejectsBadDocumentsAndKeepsTheMessage)
 {
     const std::string head = "<?xml version=\"1.0\"?><oxMessage ox:format=\"1\" ox:id=\"1\">";
     const std::string tail = "</oxMessage>";
@@ -468,7 +451,6 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
     original.addAttribute("record", "attribute");
     const std::string before = textOf(original);
 
-    QuietLog log;
     std::string reasons;
     for (const auto& [what, text] : cases) {
         oxMessage message = original;
@@ -478,7 +460,6 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
         EXPECT_FALSE(oxMessageRW::lastError().empty()) << what;
         reasons += oxMessageRW::lastError() + "\n";
     }
-    EXPECT_TRUE(log.errors().empty());
     EXPECT_NE(reasons.find("newer"), std::string::npos);
     EXPECT_NE(reasons.find("double"), std::string::npos);
 
@@ -487,7 +468,7 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
     EXPECT_EQ(oxMessageRW::lastError(), "");
 }
 
-TEST(oxMessageRW, UnknownTypeFailsWrite)
+TEST_F(MessageRWTest, UnknownTypeFailsWrite)
 {
     struct Unknown {
         int x = 0;
@@ -496,19 +477,19 @@ TEST(oxMessageRW, UnknownTypeFailsWrite)
     message.set("fine", 1);
     message.set("strange", Unknown());
 
-    QuietLog log;
     std::string text = "previous";
     EXPECT_FALSE(oxMessageRW::write(message, text));
     EXPECT_EQ(text, "previous");
-    EXPECT_TRUE(log.mentions("strange")) << (log.errors().empty() ? "" : log.errors()[0]);
+    expectErrorNaming("attribute 'strange' has type");
 
     message.remove("strange");
     message.set("double", 1.0);
     EXPECT_FALSE(oxMessageRW::write(message, text));
-    EXPECT_TRUE(log.mentions("double"));
+    expectLog(oxLog::Error,
+              "oxMessageRW::write : attribute 'double' has type 'double', which can't be written");
 }
 
-class oxMessageRWFile : public testing::Test {
+class oxMessageRWFile : public MessageRWTest {
 protected:
     void SetUp() override { ASSERT_FALSE(m_folder.path().empty()); }
 
@@ -546,12 +527,11 @@ TEST_F(oxMessageRWFile, WritesAndReadsFiles)
     ASSERT_TRUE(oxMessageRW::read(result, path.c_str(), ""));
     EXPECT_FALSE(result.has("exposure"));
 
-    QuietLog log;
     const std::string missing = m_folder.file("missing.xml");
     EXPECT_FALSE(oxMessageRW::read(result, missing.c_str(), text));
     EXPECT_NE(oxMessageRW::lastError().find("missing.xml"), std::string::npos);
     EXPECT_FALSE(oxMessageRW::write(message, m_folder.file("no/such/folder.xml").c_str()));
-    EXPECT_TRUE(log.mentions("folder.xml"));
+    expectErrorNaming("oxMessageRW::write : can't write '" + m_folder.file("no/such/folder.xml"));
 }
 
 TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
@@ -572,9 +552,8 @@ TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
 
     oxMessage second(2);
     second.set("value", 2);
-    QuietLog log;
     EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
-    EXPECT_TRUE(log.mentions(path));
+    expectErrorNaming(path);
     EXPECT_EQ(contents(path), before);
     // No temporary file is left behind either.
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 1);
@@ -584,6 +563,9 @@ TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
     second.set("bad", 1.0);
     EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
     EXPECT_EQ(contents(path), before);
+    expectLog(oxLog::Error,
+              "oxMessageRW::write : attribute 'bad' has type 'double', which can't be written");
+    expectLog(oxLog::Error, "oxMessageRW::write : '" + path + "' not written");
 }
 
 namespace {
@@ -613,14 +595,13 @@ oxMessage everyType()
 
 } // namespace
 
-TEST(oxMessageRW, TruncatedDocumentsFailOrReadConsistently)
+TEST_F(MessageRWTest, TruncatedDocumentsFailOrReadConsistently)
 {
     const std::string full = textOf(everyType());
     oxMessage sentinel(5);
     sentinel.set("sentinel", 1);
     const std::string sentinelText = textOf(sentinel);
 
-    QuietLog log;
     size_t accepted = 0;
     for (size_t length = 0; length < full.size(); ++length) {
         oxMessage message = sentinel;
@@ -635,7 +616,7 @@ TEST(oxMessageRW, TruncatedDocumentsFailOrReadConsistently)
     EXPECT_LE(accepted, 1u);
 }
 
-TEST(oxMessageRW, GarbageNeverCrashes)
+TEST_F(MessageRWTest, GarbageNeverCrashes)
 {
     const std::string valid = textOf(everyType());
     std::mt19937 random(2024);
@@ -676,7 +657,6 @@ TEST(oxMessageRW, GarbageNeverCrashes)
     oxMessage sentinel(5);
     sentinel.set("sentinel", 1);
     const std::string sentinelText = textOf(sentinel);
-    QuietLog log;
     for (const std::string& input : inputs) {
         oxMessage message = sentinel;
         if (!oxMessageRW::read(message, nullptr, input)) {
