@@ -48,8 +48,13 @@ TEST_F(OxlinTest, HeadlessRunLoadsAndUnloadsThePlugin)
     EXPECT_NE(result.out.find("MovieExport 15.3 (liboxMovieExport.so)\n"), std::string::npos)
         << result.out;
 
-    result = run({"--no-gui"});
+    // The window is docked into the offscreen main window, and the run ends by itself.
+    result = run({"--no-gui", "--trace-host-calls"});
     EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::add(Render Settings)"), std::string::npos)
+        << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::addQuickAccessAction(QuickRender)"),
+              std::string::npos);
     // Unloading the library destroys the module, which says so.
     EXPECT_NE(result.out.find("oxMovieExport::~oxMovieExport\n"), std::string::npos) << result.out;
     EXPECT_EQ(result.err.find("[error]"), std::string::npos) << result.err;
