@@ -18,8 +18,6 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -123,37 +121,80 @@ std::vector<std::string> awkwardStrings()
 
 } // namespace
 
-TEST_F(MessageRWTest, ScalarsKeepTheirTypeAndEdgeValues)
+// Written and read back, a message gives the same text again: every value came back with its
+// type. Typed reads confirm the edges, and a C string comes back as a std::string.
+TEST_F(MessageRWTest, EveryTypeRoundTripsWithEdgeValuesAndEmptyLists)
 {
+    std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
+    std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
+    std::vector<bool> bools;
+    for (int i = 0; i < 1001; ++i) {
+        ints.push_back(i * 7919 - 3000000);
+        uints.push_back(unsigned(i) * 2654435761u);
+        bools.push_back(i % 3 == 0);
+    }
+    const std::vector<QString> qstrings = {
+        QString(),
+        QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                          "e \t\n "),
+        QString::fromUtf8("\xf0\x9f\x8e\xa5 Kamera"), // surrogate pair
+        QString(QChar(0xD800)) + "lone high",
+        "lone low" + QString(QChar(0xDC00)),
+        QString(QChar(0xFFFE)),
+        QString::fromUtf8("bell\x07 and\r\nCRLF"),
+        QString(QChar(0)) + "nul",
+    };
+    const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
+                                           makeGroup("Look", {"day", "night"})};
+    const std::vector<std::vector<Group>> nested = {{}, someGroups, {}, {makeGroup("", {""})}};
+
     oxMessage message(5);
     message.set("true", true);
     message.set("false", false);
     message.set("intMin", INT_MIN);
-    message.set("intMax", INT_MAX);
-    message.set("intZero", 0);
     message.set("uintMax", UINT_MAX);
-    message.set("uintZero", 0u);
     message.set("float", 0.1f);
     message.set("string", std::string("text"));
     message.set("cstring", static_cast<const char*>("from a literal"));
-    message.set("qstring", QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                             "e"));
+    for (size_t i = 0; i < qstrings.size(); ++i)
+        message.set("q" + std::to_string(i), qstrings[i]);
+    message.set("ints", ints);
+    message.set("uints", uints);
+    message.set("bools", bools);
+    message.set("oneBool", std::vector<bool>{false});
+    message.set("noInts", std::vector<int>());
+    message.set("noUints", std::vector<unsigned int>());
+    message.set("noFloats", std::vector<float>());
+    message.set("noBools", std::vector<bool>());
+    message.set("noStrings", std::vector<std::string>());
+    message.set("oneEmptyString", std::vector<std::string>{""});
+    message.set("noPairs", StringPairs());
+    message.set("emptyPair", StringPairs{{"", ""}});
+    message.set("noGroups", std::vector<Group>());
+    message.set("someGroups", someGroups);
+    message.set("noGroupLists", std::vector<std::vector<Group>>());
+    message.set("emptyGroupLists", std::vector<std::vector<Group>>(3));
+    message.set("nested", nested);
 
     const oxMessage result = roundTrip(message);
     EXPECT_EQ(result.getMap().size(), message.getMap().size());
-    EXPECT_EQ(valueOf<bool>(result, "true"), true);
+    EXPECT_EQ(textOf(result), textOf(message));
     EXPECT_EQ(valueOf<bool>(result, "false"), false);
     EXPECT_EQ(valueOf<int>(result, "intMin"), INT_MIN);
-    EXPECT_EQ(valueOf<int>(result, "intMax"), INT_MAX);
-    EXPECT_EQ(valueOf<int>(result, "intZero"), 0);
     EXPECT_EQ(valueOf<unsigned int>(result, "uintMax"), UINT_MAX);
-    EXPECT_EQ(valueOf<unsigned int>(result, "uintZero"), 0u);
     EXPECT_EQ(valueOf<float>(result, "float"), 0.1f);
-    EXPECT_EQ(valueOf<std::string>(result, "string"), "text");
-    // A stored C string comes back as a std::string.
     EXPECT_EQ(valueOf<std::string>(result, "cstring"), "from a literal");
-    EXPECT_EQ(valueOf<QString>(result, "qstring"), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                                                     "e"));
+    for (size_t i = 0; i < qstrings.size(); ++i)
+        EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), qstrings[i]) << i;
+    EXPECT_EQ(valueOf<std::vector<int>>(result, "ints"), ints);
+    EXPECT_EQ(valueOf<std::vector<unsigned int>>(result, "uints"), uints);
+    EXPECT_EQ(valueOf<std::vector<bool>>(result, "bools"), bools);
+    EXPECT_TRUE(valueOf<std::vector<float>>(result, "noFloats").empty());
+    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "oneEmptyString"),
+              std::vector<std::string>{""});
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "emptyGroupLists"),
+              std::vector<std::vector<Group>>(3));
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
 }
 
 TEST_F(MessageRWTest, FloatsAreBitExact)
@@ -198,29 +239,6 @@ TEST_F(MessageRWTest, FloatsAreBitExact)
     EXPECT_EQ(bitsOf(valueOf<float>(result, "signalling")), 0x7F800001u);
 }
 
-TEST_F(MessageRWTest, NumericVectorsKeepRangeAndLength)
-{
-    std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
-    std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
-    std::vector<bool> bools;
-    for (int i = 0; i < 1001; ++i) {
-        ints.push_back(i * 7919 - 3000000);
-        uints.push_back(unsigned(i) * 2654435761u);
-        bools.push_back(i % 3 == 0);
-    }
-    oxMessage message;
-    message.set("ints", ints);
-    message.set("uints", uints);
-    message.set("bools", bools);
-    message.set("oneBool", std::vector<bool>{false});
-
-    const oxMessage result = roundTrip(message);
-    EXPECT_EQ(valueOf<std::vector<int>>(result, "ints"), ints);
-    EXPECT_EQ(valueOf<std::vector<unsigned int>>(result, "uints"), uints);
-    EXPECT_EQ(valueOf<std::vector<bool>>(result, "bools"), bools);
-    EXPECT_EQ(valueOf<std::vector<bool>>(result, "oneBool"), std::vector<bool>{false});
-}
-
 TEST_F(MessageRWTest, AwkwardStringsComeBackByteExact)
 {
     const std::vector<std::string> strings = awkwardStrings();
@@ -249,65 +267,6 @@ TEST_F(MessageRWTest, AwkwardStringsComeBackByteExact)
     EXPECT_EQ(valueOf<std::vector<std::string>>(result, "list"), strings);
     EXPECT_EQ(valueOf<StringPairs>(result, "pairs"), pairs);
     EXPECT_EQ(valueOf<std::vector<Group>>(result, "groups"), groups);
-}
-
-TEST_F(MessageRWTest, QStringsKeepTheirUtf16)
-{
-    const std::vector<QString> strings = {
-        QString(),
-        QString::fromUtf8(" \t\n "),
-        QString::fromUtf8("\xf0\x9f\x8e\xa5 Kamera"), // surrogate pair
-        QString(QChar(0xD800)) + "lone high",
-        "lone low" + QString(QChar(0xDC00)),
-        QString(QChar(0xFFFE)),
-        QString::fromUtf8("bell\x07 and\r\nCRLF"),
-        QString(QChar(0)) + "nul",
-    };
-    oxMessage message;
-    for (size_t i = 0; i < strings.size(); ++i)
-        message.set("q" + std::to_string(i), strings[i]);
-    const oxMessage result = roundTrip(message);
-    for (size_t i = 0; i < strings.size(); ++i)
-        EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), strings[i]) << i;
-}
-
-TEST_F(MessageRWTest, EmptyAndNestedLists)
-{
-    const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
-                                           makeGroup("Look", {"day", "night"})};
-    const std::vector<std::vector<Group>> nested = {{}, someGroups, {}, {makeGroup("", {""})}};
-
-    oxMessage message;
-    message.set("ints", std::vector<int>());
-    message.set("uints", std::vector<unsigned int>());
-    message.set("floats", std::vector<float>());
-    message.set("bools", std::vector<bool>());
-    message.set("strings", std::vector<std::string>());
-    message.set("oneEmptyString", std::vector<std::string>{""});
-    message.set("pairs", StringPairs());
-    message.set("emptyPair", StringPairs{{"", ""}});
-    message.set("groups", std::vector<Group>());
-    message.set("someGroups", someGroups);
-    message.set("groupLists", std::vector<std::vector<Group>>());
-    message.set("emptyGroupLists", std::vector<std::vector<Group>>(3));
-    message.set("nested", nested);
-
-    const oxMessage result = roundTrip(message);
-    EXPECT_TRUE(valueOf<std::vector<int>>(result, "ints").empty());
-    EXPECT_TRUE(valueOf<std::vector<unsigned int>>(result, "uints").empty());
-    EXPECT_TRUE(valueOf<std::vector<float>>(result, "floats").empty());
-    EXPECT_TRUE(valueOf<std::vector<bool>>(result, "bools").empty());
-    EXPECT_TRUE(valueOf<std::vector<std::string>>(result, "strings").empty());
-    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "oneEmptyString"),
-              std::vector<std::string>{""});
-    EXPECT_TRUE(valueOf<StringPairs>(result, "pairs").empty());
-    EXPECT_EQ(valueOf<StringPairs>(result, "emptyPair"), (StringPairs{{"", ""}}));
-    EXPECT_TRUE(valueOf<std::vector<Group>>(result, "groups").empty());
-    EXPECT_EQ(valueOf<std::vector<Group>>(result, "someGroups"), someGroups);
-    EXPECT_TRUE(valueOf<std::vector<std::vector<Group>>>(result, "groupLists").empty());
-    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "emptyGroupLists"),
-              std::vector<std::vector<Group>>(3));
-    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
 }
 
 TEST_F(MessageRWTest, RecordAttributesAndId)
@@ -534,7 +493,7 @@ TEST_F(oxMessageRWFile, WritesAndReadsFiles)
     expectErrorNaming("oxMessageRW::write : can't write '" + m_folder.file("no/such/folder.xml"));
 }
 
-TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
+TEST_F(oxMessageRWFile, AMessageThatCantBeWrittenLeavesTheOldFile)
 {
     oxMessage first(1);
     first.set("value", 1);
@@ -542,27 +501,10 @@ TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
     ASSERT_TRUE(oxMessageRW::write(first, path.c_str()));
     const std::string before = contents(path);
 
-    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0555), 0);
-    // Privileged users write into read-only folders anyway; then there is nothing to test.
-    const std::string probe = m_folder.file("probe");
-    if (oxIgnoresFilePermissions() || std::ofstream(probe)) {
-        ::unlink(probe.c_str());
-        GTEST_SKIP() << "read-only folders are writable for this user";
-    }
-
-    oxMessage second(2);
-    second.set("value", 2);
-    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
-    expectErrorNaming(path);
+    first.set("bad", 1.0);
+    EXPECT_FALSE(oxMessageRW::write(first, path.c_str()));
     EXPECT_EQ(contents(path), before);
-    // No temporary file is left behind either.
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 1);
-
-    // A message with an unknown value type isn't written at all.
-    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
-    second.set("bad", 1.0);
-    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
-    EXPECT_EQ(contents(path), before);
     expectLog(oxLog::Error,
               "oxMessageRW::write : attribute 'bad' has type 'double', which can't be written");
     expectLog(oxLog::Error, "oxMessageRW::write : '" + path + "' not written");
