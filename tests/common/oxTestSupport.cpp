@@ -1,10 +1,14 @@
 #include "oxTestSupport.h"
 
+#include "oxCallTrace.h"
+
 #include <QProcess>
 #include <QStringList>
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
+#include <sstream>
 #include <ftw.h>
 #include <unistd.h>
 
@@ -97,6 +101,23 @@ oxTempDir::~oxTempDir()
         m_path.c_str(),
         [](const char* path, const struct stat*, int, struct FTW*) { return ::remove(path); }, 16,
         FTW_DEPTH | FTW_PHYS);
+}
+
+std::string oxReadFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream data;
+    data << in.rdbuf();
+    return data.str();
+}
+
+std::vector<std::string> oxTraced(const std::string& name)
+{
+    std::vector<std::string> arguments;
+    for (const oxCallTrace::Call& call : oxCallTrace::calls())
+        if (call.name == name)
+            arguments.push_back(call.arguments);
+    return arguments;
 }
 
 bool oxIgnoresFilePermissions() { return ::geteuid() == 0; }

@@ -70,6 +70,12 @@ private:
     std::string m_path;
 };
 
+/// The whole content of a file, byte for byte ("" when it can't be read).
+std::string oxReadFile(const std::string& path);
+
+/// The arguments of every traced host call of that name, in order.
+std::vector<std::string> oxTraced(const std::string& name);
+
 /// True when the process may write into folders without write permission (root).
 bool oxIgnoresFilePermissions();
 

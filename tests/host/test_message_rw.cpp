@@ -452,14 +452,6 @@ class oxMessageRWFile : public MessageRWTest {
 protected:
     void SetUp() override { ASSERT_FALSE(m_folder.path().empty()); }
 
-    static std::string contents(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::ostringstream data;
-        data << in.rdbuf();
-        return data.str();
-    }
-
     oxTempDir m_folder;
 };
 
@@ -473,7 +465,7 @@ TEST_F(oxMessageRWFile, WritesAndReadsFiles)
     ASSERT_TRUE(oxMessageRW::write(message, path.c_str()));
     std::string text;
     ASSERT_TRUE(oxMessageRW::write(message, text));
-    EXPECT_EQ(contents(path), text);
+    EXPECT_EQ(oxReadFile(path), text);
 
     // The text argument is ignored when a file name is given.
     oxMessage result;
@@ -499,11 +491,11 @@ TEST_F(oxMessageRWFile, AMessageThatCantBeWrittenLeavesTheOldFile)
     first.set("value", 1);
     const std::string path = m_folder.file("preset.xml");
     ASSERT_TRUE(oxMessageRW::write(first, path.c_str()));
-    const std::string before = contents(path);
+    const std::string before = oxReadFile(path);
 
     first.set("bad", 1.0);
     EXPECT_FALSE(oxMessageRW::write(first, path.c_str()));
-    EXPECT_EQ(contents(path), before);
+    EXPECT_EQ(oxReadFile(path), before);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 1);
     expectLog(oxLog::Error,
               "oxMessageRW::write : attribute 'bad' has type 'double', which can't be written");

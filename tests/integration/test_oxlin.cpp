@@ -20,14 +20,6 @@ protected:
     oxTempDir prefs;
 };
 
-std::string readText(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    return buffer.str();
-}
-
 } // namespace
 
 TEST_F(OxlinTest, VersionAndHelp)
@@ -87,7 +79,7 @@ TEST_F(OxlinTest, BrokenPluginsAreSkippedWithAClearError)
         run({"--no-gui", "--plugin-dir", plugins.path(), "--log-file", logFile, "--list-plugins"});
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out, "");
-    const std::string log = readText(logFile);
+    const std::string log = oxReadFile(logFile);
     EXPECT_NE(log.find("[error] Plug-in '" + plugins.file("libbroken.so") + "' can't be loaded"),
               std::string::npos)
         << log;
