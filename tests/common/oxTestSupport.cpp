@@ -1,10 +1,14 @@
 #include "oxTestSupport.h"
 
+#include "oxCallTrace.h"
+
 #include <QProcess>
 #include <QStringList>
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
+#include <sstream>
 #include <ftw.h>
 #include <unistd.h>
 
@@ -39,13 +43,30 @@ void oxTest::expectLog(oxLog::Level level, const std::string& text)
     m_expected.push_back({level, text});
 }
 
+bool oxTest::allowed(const std::string& text) const
+{
+    for (const std::string& prefix : m_allowedPrefixes)
+        if (text.rfind(prefix, 0) == 0)
+            return true;
+    return false;
+}
+
+std::vector<std::string> oxTest::ownMessages(oxLog::Level level) const
+{
+    std::vector<std::string> result;
+    for (const std::string& text : m_capture.messages(level))
+        if (!allowed(text))
+            result.push_back(text);
+    return result;
+}
+
 void oxTest::TearDown()
 {
     for (const oxLogCapture::Entry& expected : m_expected)
         EXPECT_TRUE(m_capture.contains(expected.level, expected.text))
             << "expected " << oxLog::levelName(expected.level) << " not logged: " << expected.text;
     for (const oxLogCapture::Entry& entry : m_capture.entries()) {
-        if (entry.level > oxLog::Warning)
+        if (entry.level > oxLog::Warning || allowed(entry.text))
             continue;
         bool announced = false;
         for (const oxLogCapture::Entry& expected : m_expected)
@@ -80,6 +101,23 @@ oxTempDir::~oxTempDir()
         m_path.c_str(),
         [](const char* path, const struct stat*, int, struct FTW*) { return ::remove(path); }, 16,
         FTW_DEPTH | FTW_PHYS);
+}
+
+std::string oxReadFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream data;
+    data << in.rdbuf();
+    return data.str();
+}
+
+std::vector<std::string> oxTraced(const std::string& name)
+{
+    std::vector<std::string> arguments;
+    for (const oxCallTrace::Call& call : oxCallTrace::calls())
+        if (call.name == name)
+            arguments.push_back(call.arguments);
+    return arguments;
 }
 
 bool oxIgnoresFilePermissions() { return ::geteuid() == 0; }

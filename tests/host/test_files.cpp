@@ -16,13 +16,6 @@ namespace {
 using FileTest = oxTest;
 using PreferencesTest = oxTest;
 
-std::string readFile(const std::string& path)
-{
-    std::string data;
-    oxFile::readAll(path, data);
-    return data;
-}
-
 } // namespace
 
 TEST_F(FileTest, PathRuleAcceptsBothSeparatorsAndMapsDrivesToHome)
@@ -78,7 +71,7 @@ TEST_F(FileTest, ExistenceWriteTestsAndFolders)
 
     ASSERT_TRUE(oxFile::writeAtomically(file, "pixels"));
     EXPECT_TRUE(oxFile::exists(file, true));
-    EXPECT_EQ(readFile(file), "pixels");
+    EXPECT_EQ(oxReadFile(file), "pixels");
 }
 
 TEST_F(FileTest, AtomicWriteKeepsTheOldFileWhenItFails)
@@ -93,7 +86,7 @@ TEST_F(FileTest, AtomicWriteKeepsTheOldFileWhenItFails)
     EXPECT_FALSE(oxFile::writeAtomically(file, "new content", &error));
     ::chmod(dir.path().c_str(), 0755);
     EXPECT_FALSE(error.empty());
-    EXPECT_EQ(readFile(file), "old content");
+    EXPECT_EQ(oxReadFile(file), "old content");
 }
 
 TEST_F(FileTest, AtomicWriteIntoAMissingFolderFailsCleanly)

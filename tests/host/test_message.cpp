@@ -69,37 +69,21 @@ TEST(oxMessage, WrongTypeComplainsAndLeavesOutputAlone)
     // A literal stores a const char*, which is not a std::string: a classic mistake.
     message.set("title", "beauty");
 
-    {
+    auto complaint = [&](auto output, const char* name, const std::type_info& stored) {
+        const auto before = output;
         testing::internal::CaptureStderr();
-        float width = -1.0f;
-        EXPECT_FALSE(message.get("width", width));
+        EXPECT_FALSE(message.get(name, output));
         const std::string err = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(width, -1.0f);
-        EXPECT_EQ(err.rfind(wrongTypeComplaint("width", typeid(int), typeid(float)), 0), 0u) << err;
-    }
-    {
-        // Signedness counts: an int is not an unsigned int.
-        testing::internal::CaptureStderr();
-        unsigned int width = 5;
-        EXPECT_FALSE(message.get("width", width));
-        const std::string err = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(width, 5u);
-        EXPECT_NE(err.find(wrongTypeComplaint("width", typeid(int), typeid(unsigned int))),
-                  std::string::npos)
+        EXPECT_EQ(output, before) << name;
+        EXPECT_NE(err.find(wrongTypeComplaint(name, stored, typeid(output))), std::string::npos)
             << err;
-    }
-    {
-        testing::internal::CaptureStderr();
-        std::string title = "unchanged";
-        EXPECT_FALSE(message.get("title", title));
-        const std::string err = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(title, "unchanged");
-        EXPECT_NE(err.find(wrongTypeComplaint("title", typeid(const char*), typeid(std::string))),
-                  std::string::npos)
-            << err;
-        // The complaint comes with a stack trace to find the caller.
-        EXPECT_NE(err.find("Stack trace"), std::string::npos) << err;
-    }
+        return err;
+    };
+    complaint(-1.0f, "width", typeid(int));
+    complaint(5u, "width", typeid(int)); // signedness counts
+    const std::string err = complaint(std::string("unchanged"), "title", typeid(const char*));
+    // The complaint comes with a stack trace to find the caller.
+    EXPECT_NE(err.find("Stack trace"), std::string::npos) << err;
 }
 
 TEST(oxMessage, SetReplacesUnlessToldToKeep)

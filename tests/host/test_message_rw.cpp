@@ -18,8 +18,6 @@
 #include <random>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -29,25 +27,16 @@ using Group = oxRenderAutomationVariantSetGroup;
 using StringPairs = std::vector<std::pair<std::string, std::string>>;
 namespace fs = std::filesystem;
 
-// Keeps the log off stderr while a test feeds bad input on purpose, and collects its errors.
-class QuietLog {
-public:
-    QuietLog() { oxLog::setStderrEnabled(false); }
-    ~QuietLog() { oxLog::setStderrEnabled(true); }
-    QuietLog(const QuietLog&) = delete;
-    QuietLog& operator=(const QuietLog&) = delete;
-
-    std::vector<std::string> errors() const { return m_capture.messages(oxLog::Error); }
-    bool mentions(const std::string& part) const
+// Bad input is fed on purpose: the one error a failed write logs names what went wrong.
+class MessageRWTest : public oxTest {
+protected:
+    void expectErrorNaming(const std::string& part)
     {
-        for (const std::string& error : errors())
-            if (error.find(part) != std::string::npos)
-                return true;
-        return false;
+        const std::vector<std::string> errors = log().messages(oxLog::Error);
+        ASSERT_FALSE(errors.empty()) << "no error naming " << part;
+        EXPECT_NE(errors.back().find(part), std::string::npos) << errors.back();
+        expectLog(oxLog::Error, errors.back());
     }
-
-private:
-    oxLogCapture m_capture;
 };
 
 uint32_t bitsOf(float value)
@@ -132,48 +121,83 @@ std::vector<std::string> awkwardStrings()
 
 } // namespace
 
-TEST(oxMessageRW, ScalarsKeepTheirTypeAndEdgeValues)
+// Written and read back, a message gives the same text again: every value came back with its
+// type. Typed reads confirm the edges, and a C string comes back as a std::string.
+TEST_F(MessageRWTest, EveryTypeRoundTripsWithEdgeValuesAndEmptyLists)
 {
+    std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
+    std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
+    std::vector<bool> bools;
+    for (int i = 0; i < 1001; ++i) {
+        ints.push_back(i * 7919 - 3000000);
+        uints.push_back(unsigned(i) * 2654435761u);
+        bools.push_back(i % 3 == 0);
+    }
+    const std::vector<QString> qstrings = {
+        QString(),
+        QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
+                          "e \t\n "),
+        QString::fromUtf8("\xf0\x9f\x8e\xa5 Kamera"), // surrogate pair
+        QString(QChar(0xD800)) + "lone high",
+        "lone low" + QString(QChar(0xDC00)),
+        QString(QChar(0xFFFE)),
+        QString::fromUtf8("bell\x07 and\r\nCRLF"),
+        QString(QChar(0)) + "nul",
+    };
+    const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
+                                           makeGroup("Look", {"day", "night"})};
+    const std::vector<std::vector<Group>> nested = {{}, someGroups, {}, {makeGroup("", {""})}};
+
     oxMessage message(5);
     message.set("true", true);
     message.set("false", false);
     message.set("intMin", INT_MIN);
-    message.set("intMax", INT_MAX);
-    message.set("intZero", 0);
     message.set("uintMax", UINT_MAX);
-    message.set("uintZero", 0u);
     message.set("float", 0.1f);
-    message.set("floatMax", std::numeric_limits<float>::max());
-    message.set("denormal", std::numeric_limits<float>::denorm_min());
-    message.set("negZero", -0.0f);
-    message.set("nan", std::numeric_limits<float>::quiet_NaN());
-    message.set("inf", std::numeric_limits<float>::infinity());
-    message.set("negInf", -std::numeric_limits<float>::infinity());
     message.set("string", std::string("text"));
     message.set("cstring", static_cast<const char*>("from a literal"));
-    message.set("qstring", QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                             "e"));
+    for (size_t i = 0; i < qstrings.size(); ++i)
+        message.set("q" + std::to_string(i), qstrings[i]);
+    message.set("ints", ints);
+    message.set("uints", uints);
+    message.set("bools", bools);
+    message.set("oneBool", std::vector<bool>{false});
+    message.set("noInts", std::vector<int>());
+    message.set("noUints", std::vector<unsigned int>());
+    message.set("noFloats", std::vector<float>());
+    message.set("noBools", std::vector<bool>());
+    message.set("noStrings", std::vector<std::string>());
+    message.set("oneEmptyString", std::vector<std::string>{""});
+    message.set("noPairs", StringPairs());
+    message.set("emptyPair", StringPairs{{"", ""}});
+    message.set("noGroups", std::vector<Group>());
+    message.set("someGroups", someGroups);
+    message.set("noGroupLists", std::vector<std::vector<Group>>());
+    message.set("emptyGroupLists", std::vector<std::vector<Group>>(3));
+    message.set("nested", nested);
 
     const oxMessage result = roundTrip(message);
     EXPECT_EQ(result.getMap().size(), message.getMap().size());
-    EXPECT_EQ(valueOf<bool>(result, "true"), true);
+    EXPECT_EQ(textOf(result), textOf(message));
     EXPECT_EQ(valueOf<bool>(result, "false"), false);
     EXPECT_EQ(valueOf<int>(result, "intMin"), INT_MIN);
-    EXPECT_EQ(valueOf<int>(result, "intMax"), INT_MAX);
-    EXPECT_EQ(valueOf<int>(result, "intZero"), 0);
     EXPECT_EQ(valueOf<unsigned int>(result, "uintMax"), UINT_MAX);
-    EXPECT_EQ(valueOf<unsigned int>(result, "uintZero"), 0u);
-    for (const char* name : {"float", "floatMax", "denormal", "negZero", "nan", "inf", "negInf"})
-        EXPECT_EQ(bitsOf(valueOf<float>(result, name)), bitsOf(valueOf<float>(message, name)))
-            << name;
-    EXPECT_EQ(valueOf<std::string>(result, "string"), "text");
-    // A stored C string comes back as a std::string.
+    EXPECT_EQ(valueOf<float>(result, "float"), 0.1f);
     EXPECT_EQ(valueOf<std::string>(result, "cstring"), "from a literal");
-    EXPECT_EQ(valueOf<QString>(result, "qstring"), QString::fromUtf8("Gr\xc3\xbc\xc3\x9f"
-                                                                     "e"));
+    for (size_t i = 0; i < qstrings.size(); ++i)
+        EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), qstrings[i]) << i;
+    EXPECT_EQ(valueOf<std::vector<int>>(result, "ints"), ints);
+    EXPECT_EQ(valueOf<std::vector<unsigned int>>(result, "uints"), uints);
+    EXPECT_EQ(valueOf<std::vector<bool>>(result, "bools"), bools);
+    EXPECT_TRUE(valueOf<std::vector<float>>(result, "noFloats").empty());
+    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "oneEmptyString"),
+              std::vector<std::string>{""});
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "emptyGroupLists"),
+              std::vector<std::vector<Group>>(3));
+    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
 }
 
-TEST(oxMessageRW, FloatsAreBitExact)
+TEST_F(MessageRWTest, FloatsAreBitExact)
 {
     std::vector<float> values = {
         0.0f,
@@ -215,30 +239,7 @@ TEST(oxMessageRW, FloatsAreBitExact)
     EXPECT_EQ(bitsOf(valueOf<float>(result, "signalling")), 0x7F800001u);
 }
 
-TEST(oxMessageRW, NumericVectorsKeepRangeAndLength)
-{
-    std::vector<int> ints = {INT_MIN, -1, 0, 1, INT_MAX};
-    std::vector<unsigned int> uints = {0u, 1u, UINT_MAX};
-    std::vector<bool> bools;
-    for (int i = 0; i < 1001; ++i) {
-        ints.push_back(i * 7919 - 3000000);
-        uints.push_back(unsigned(i) * 2654435761u);
-        bools.push_back(i % 3 == 0);
-    }
-    oxMessage message;
-    message.set("ints", ints);
-    message.set("uints", uints);
-    message.set("bools", bools);
-    message.set("oneBool", std::vector<bool>{false});
-
-    const oxMessage result = roundTrip(message);
-    EXPECT_EQ(valueOf<std::vector<int>>(result, "ints"), ints);
-    EXPECT_EQ(valueOf<std::vector<unsigned int>>(result, "uints"), uints);
-    EXPECT_EQ(valueOf<std::vector<bool>>(result, "bools"), bools);
-    EXPECT_EQ(valueOf<std::vector<bool>>(result, "oneBool"), std::vector<bool>{false});
-}
-
-TEST(oxMessageRW, AwkwardStringsComeBackByteExact)
+TEST_F(MessageRWTest, AwkwardStringsComeBackByteExact)
 {
     const std::vector<std::string> strings = awkwardStrings();
     oxMessage message;
@@ -268,66 +269,7 @@ TEST(oxMessageRW, AwkwardStringsComeBackByteExact)
     EXPECT_EQ(valueOf<std::vector<Group>>(result, "groups"), groups);
 }
 
-TEST(oxMessageRW, QStringsKeepTheirUtf16)
-{
-    const std::vector<QString> strings = {
-        QString(),
-        QString::fromUtf8(" \t\n "),
-        QString::fromUtf8("\xf0\x9f\x8e\xa5 Kamera"), // surrogate pair
-        QString(QChar(0xD800)) + "lone high",
-        "lone low" + QString(QChar(0xDC00)),
-        QString(QChar(0xFFFE)),
-        QString::fromUtf8("bell\x07 and\r\nCRLF"),
-        QString(QChar(0)) + "nul",
-    };
-    oxMessage message;
-    for (size_t i = 0; i < strings.size(); ++i)
-        message.set("q" + std::to_string(i), strings[i]);
-    const oxMessage result = roundTrip(message);
-    for (size_t i = 0; i < strings.size(); ++i)
-        EXPECT_EQ(valueOf<QString>(result, "q" + std::to_string(i)), strings[i]) << i;
-}
-
-TEST(oxMessageRW, EmptyAndNestedLists)
-{
-    const std::vector<Group> someGroups = {makeGroup("", {}), makeGroup("ungrouped", {"a", "a"}),
-                                           makeGroup("Look", {"day", "night"})};
-    const std::vector<std::vector<Group>> nested = {{}, someGroups, {}, {makeGroup("", {""})}};
-
-    oxMessage message;
-    message.set("ints", std::vector<int>());
-    message.set("uints", std::vector<unsigned int>());
-    message.set("floats", std::vector<float>());
-    message.set("bools", std::vector<bool>());
-    message.set("strings", std::vector<std::string>());
-    message.set("oneEmptyString", std::vector<std::string>{""});
-    message.set("pairs", StringPairs());
-    message.set("emptyPair", StringPairs{{"", ""}});
-    message.set("groups", std::vector<Group>());
-    message.set("someGroups", someGroups);
-    message.set("groupLists", std::vector<std::vector<Group>>());
-    message.set("emptyGroupLists", std::vector<std::vector<Group>>(3));
-    message.set("nested", nested);
-
-    const oxMessage result = roundTrip(message);
-    EXPECT_TRUE(valueOf<std::vector<int>>(result, "ints").empty());
-    EXPECT_TRUE(valueOf<std::vector<unsigned int>>(result, "uints").empty());
-    EXPECT_TRUE(valueOf<std::vector<float>>(result, "floats").empty());
-    EXPECT_TRUE(valueOf<std::vector<bool>>(result, "bools").empty());
-    EXPECT_TRUE(valueOf<std::vector<std::string>>(result, "strings").empty());
-    EXPECT_EQ(valueOf<std::vector<std::string>>(result, "oneEmptyString"),
-              std::vector<std::string>{""});
-    EXPECT_TRUE(valueOf<StringPairs>(result, "pairs").empty());
-    EXPECT_EQ(valueOf<StringPairs>(result, "emptyPair"), (StringPairs{{"", ""}}));
-    EXPECT_TRUE(valueOf<std::vector<Group>>(result, "groups").empty());
-    EXPECT_EQ(valueOf<std::vector<Group>>(result, "someGroups"), someGroups);
-    EXPECT_TRUE(valueOf<std::vector<std::vector<Group>>>(result, "groupLists").empty());
-    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "emptyGroupLists"),
-              std::vector<std::vector<Group>>(3));
-    EXPECT_EQ(valueOf<std::vector<std::vector<Group>>>(result, "nested"), nested);
-}
-
-TEST(oxMessageRW, RecordAttributesAndId)
+TEST_F(MessageRWTest, RecordAttributesAndId)
 {
     oxMessage message(std::numeric_limits<uint64_t>::max());
     message.addAttribute("rendersettings_version", "1");
@@ -359,7 +301,7 @@ TEST(oxMessageRW, RecordAttributesAndId)
     EXPECT_TRUE(roundTrip(zero).getAttributes().empty());
 }
 
-TEST(oxMessageRW, ReadReplacesTheWholeMessage)
+TEST_F(MessageRWTest, ReadReplacesTheWholeMessage)
 {
     oxMessage source(11);
     source.set("kept", 2);
@@ -377,7 +319,7 @@ TEST(oxMessageRW, ReadReplacesTheWholeMessage)
     EXPECT_EQ(target.getAttibute("old"), "");
 }
 
-TEST(oxMessageRW, ToleratesHandEditing)
+TEST_F(MessageRWTest, ToleratesHandEditing)
 {
     // Comments, CRLF line ends, padding around numbers, base64 wrapped over lines, CDATA.
     const std::string text =
@@ -409,7 +351,7 @@ TEST(oxMessageRW, ToleratesHandEditing)
     EXPECT_EQ(message.getMap().size(), 6u); // not the commented-out one
 }
 
-TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
+TEST_F(MessageRWTest, RejectsBadDocumentsAndKeepsTheMessage)
 {
     const std::string head = "<?xml version=\"1.0\"?><oxMessage ox:format=\"1\" ox:id=\"1\">";
     const std::string tail = "</oxMessage>";
@@ -468,7 +410,6 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
     original.addAttribute("record", "attribute");
     const std::string before = textOf(original);
 
-    QuietLog log;
     std::string reasons;
     for (const auto& [what, text] : cases) {
         oxMessage message = original;
@@ -478,7 +419,6 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
         EXPECT_FALSE(oxMessageRW::lastError().empty()) << what;
         reasons += oxMessageRW::lastError() + "\n";
     }
-    EXPECT_TRUE(log.errors().empty());
     EXPECT_NE(reasons.find("newer"), std::string::npos);
     EXPECT_NE(reasons.find("double"), std::string::npos);
 
@@ -487,7 +427,7 @@ TEST(oxMessageRW, RejectsBadDocumentsAndKeepsTheMessage)
     EXPECT_EQ(oxMessageRW::lastError(), "");
 }
 
-TEST(oxMessageRW, UnknownTypeFailsWrite)
+TEST_F(MessageRWTest, UnknownTypeFailsWrite)
 {
     struct Unknown {
         int x = 0;
@@ -496,29 +436,21 @@ TEST(oxMessageRW, UnknownTypeFailsWrite)
     message.set("fine", 1);
     message.set("strange", Unknown());
 
-    QuietLog log;
     std::string text = "previous";
     EXPECT_FALSE(oxMessageRW::write(message, text));
     EXPECT_EQ(text, "previous");
-    EXPECT_TRUE(log.mentions("strange")) << (log.errors().empty() ? "" : log.errors()[0]);
+    expectErrorNaming("attribute 'strange' has type");
 
     message.remove("strange");
     message.set("double", 1.0);
     EXPECT_FALSE(oxMessageRW::write(message, text));
-    EXPECT_TRUE(log.mentions("double"));
+    expectLog(oxLog::Error,
+              "oxMessageRW::write : attribute 'double' has type 'double', which can't be written");
 }
 
-class oxMessageRWFile : public testing::Test {
+class oxMessageRWFile : public MessageRWTest {
 protected:
     void SetUp() override { ASSERT_FALSE(m_folder.path().empty()); }
-
-    static std::string contents(const std::string& path)
-    {
-        std::ifstream in(path, std::ios::binary);
-        std::ostringstream data;
-        data << in.rdbuf();
-        return data.str();
-    }
 
     oxTempDir m_folder;
 };
@@ -533,7 +465,7 @@ TEST_F(oxMessageRWFile, WritesAndReadsFiles)
     ASSERT_TRUE(oxMessageRW::write(message, path.c_str()));
     std::string text;
     ASSERT_TRUE(oxMessageRW::write(message, text));
-    EXPECT_EQ(contents(path), text);
+    EXPECT_EQ(oxReadFile(path), text);
 
     // The text argument is ignored when a file name is given.
     oxMessage result;
@@ -546,44 +478,28 @@ TEST_F(oxMessageRWFile, WritesAndReadsFiles)
     ASSERT_TRUE(oxMessageRW::read(result, path.c_str(), ""));
     EXPECT_FALSE(result.has("exposure"));
 
-    QuietLog log;
     const std::string missing = m_folder.file("missing.xml");
     EXPECT_FALSE(oxMessageRW::read(result, missing.c_str(), text));
     EXPECT_NE(oxMessageRW::lastError().find("missing.xml"), std::string::npos);
     EXPECT_FALSE(oxMessageRW::write(message, m_folder.file("no/such/folder.xml").c_str()));
-    EXPECT_TRUE(log.mentions("folder.xml"));
+    expectErrorNaming("oxMessageRW::write : can't write '" + m_folder.file("no/such/folder.xml"));
 }
 
-TEST_F(oxMessageRWFile, FailedWriteLeavesTheOldFile)
+TEST_F(oxMessageRWFile, AMessageThatCantBeWrittenLeavesTheOldFile)
 {
     oxMessage first(1);
     first.set("value", 1);
     const std::string path = m_folder.file("preset.xml");
     ASSERT_TRUE(oxMessageRW::write(first, path.c_str()));
-    const std::string before = contents(path);
+    const std::string before = oxReadFile(path);
 
-    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0555), 0);
-    // Privileged users write into read-only folders anyway; then there is nothing to test.
-    const std::string probe = m_folder.file("probe");
-    if (oxIgnoresFilePermissions() || std::ofstream(probe)) {
-        ::unlink(probe.c_str());
-        GTEST_SKIP() << "read-only folders are writable for this user";
-    }
-
-    oxMessage second(2);
-    second.set("value", 2);
-    QuietLog log;
-    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
-    EXPECT_TRUE(log.mentions(path));
-    EXPECT_EQ(contents(path), before);
-    // No temporary file is left behind either.
+    first.set("bad", 1.0);
+    EXPECT_FALSE(oxMessageRW::write(first, path.c_str()));
+    EXPECT_EQ(oxReadFile(path), before);
     EXPECT_EQ(std::distance(fs::directory_iterator(m_folder.path()), fs::directory_iterator()), 1);
-
-    // A message with an unknown value type isn't written at all.
-    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0755), 0);
-    second.set("bad", 1.0);
-    EXPECT_FALSE(oxMessageRW::write(second, path.c_str()));
-    EXPECT_EQ(contents(path), before);
+    expectLog(oxLog::Error,
+              "oxMessageRW::write : attribute 'bad' has type 'double', which can't be written");
+    expectLog(oxLog::Error, "oxMessageRW::write : '" + path + "' not written");
 }
 
 namespace {
@@ -613,14 +529,13 @@ oxMessage everyType()
 
 } // namespace
 
-TEST(oxMessageRW, TruncatedDocumentsFailOrReadConsistently)
+TEST_F(MessageRWTest, TruncatedDocumentsFailOrReadConsistently)
 {
     const std::string full = textOf(everyType());
     oxMessage sentinel(5);
     sentinel.set("sentinel", 1);
     const std::string sentinelText = textOf(sentinel);
 
-    QuietLog log;
     size_t accepted = 0;
     for (size_t length = 0; length < full.size(); ++length) {
         oxMessage message = sentinel;
@@ -635,7 +550,7 @@ TEST(oxMessageRW, TruncatedDocumentsFailOrReadConsistently)
     EXPECT_LE(accepted, 1u);
 }
 
-TEST(oxMessageRW, GarbageNeverCrashes)
+TEST_F(MessageRWTest, GarbageNeverCrashes)
 {
     const std::string valid = textOf(everyType());
     std::mt19937 random(2024);
@@ -676,7 +591,6 @@ TEST(oxMessageRW, GarbageNeverCrashes)
     oxMessage sentinel(5);
     sentinel.set("sentinel", 1);
     const std::string sentinelText = textOf(sentinel);
-    QuietLog log;
     for (const std::string& input : inputs) {
         oxMessage message = sentinel;
         if (!oxMessageRW::read(message, nullptr, input)) {

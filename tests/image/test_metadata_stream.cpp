@@ -25,13 +25,6 @@ std::unique_ptr<ImageInput> openImage(const std::string& path)
     return ImageInput::open(path, &config);
 }
 
-std::string fileText(const std::string& path)
-{
-    std::string data;
-    oxFile::readAll(path, data);
-    return data;
-}
-
 class ImageMetaData : public oxTest {
 protected:
     void SetUp() override
@@ -85,7 +78,7 @@ TEST_F(ImageMetaData, XMPIsEmbeddedInPngJpegTiffAndExr)
             << extension;
         const std::string packet = std::string(extension) == "exr"
                                        ? std::string(in->spec().get_string_attribute("xmp"))
-                                       : fileText(path);
+                                       : oxReadFile(path);
         EXPECT_NE(packet.find("<ox:pixelWidth>1920</ox:pixelWidth>"), std::string::npos)
             << extension;
         EXPECT_NE(packet.find("<rdf:li>MovieExport beauty pass=true</rdf:li>"), std::string::npos)
@@ -96,7 +89,7 @@ TEST_F(ImageMetaData, XMPIsEmbeddedInPngJpegTiffAndExr)
     }
     writer.setMetaDataFlags(0);
     ASSERT_TRUE(exportTo(dir.file("plain.png")));
-    EXPECT_EQ(fileText(dir.file("plain.png")).find("xmpmeta"), std::string::npos);
+    EXPECT_EQ(oxReadFile(dir.file("plain.png")).find("xmpmeta"), std::string::npos);
 }
 
 TEST_F(ImageMetaData, ICCProfilesAreEmbeddedWhereTheFormatHoldsThem)
@@ -246,7 +239,7 @@ TEST_F(ImageMetaData, HandlerOptionsReachTheEncoder)
     osg::PNGImageFileType::the().setQuality(9);
     ASSERT_TRUE(exportTo(dir.file("small.png")));
     osg::PNGImageFileType::the().setQuality(saved);
-    EXPECT_GT(fileText(dir.file("raw.png")).size(), fileText(dir.file("small.png")).size());
+    EXPECT_GT(oxReadFile(dir.file("raw.png")).size(), oxReadFile(dir.file("small.png")).size());
 }
 
 TEST_F(ImageMetaData, WriteFunctionsReceiveEveryImageAndNoFileIsMade)

@@ -20,14 +20,6 @@ protected:
     oxTempDir prefs;
 };
 
-std::string readText(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    return buffer.str();
-}
-
 } // namespace
 
 TEST_F(OxlinTest, VersionAndHelp)
@@ -48,8 +40,13 @@ TEST_F(OxlinTest, HeadlessRunLoadsAndUnloadsThePlugin)
     EXPECT_NE(result.out.find("MovieExport 15.3 (liboxMovieExport.so)\n"), std::string::npos)
         << result.out;
 
-    result = run({"--no-gui"});
+    // The window is docked into the offscreen main window, and the run ends by itself.
+    result = run({"--no-gui", "--trace-host-calls"});
     EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::add(Render Settings)"), std::string::npos)
+        << result.err;
+    EXPECT_NE(result.err.find("call QOXDockWindowManager::addQuickAccessAction(QuickRender)"),
+              std::string::npos);
     // Unloading the library destroys the module, which says so.
     EXPECT_NE(result.out.find("oxMovieExport::~oxMovieExport\n"), std::string::npos) << result.out;
     EXPECT_EQ(result.err.find("[error]"), std::string::npos) << result.err;
@@ -82,7 +79,7 @@ TEST_F(OxlinTest, BrokenPluginsAreSkippedWithAClearError)
         run({"--no-gui", "--plugin-dir", plugins.path(), "--log-file", logFile, "--list-plugins"});
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_EQ(result.out, "");
-    const std::string log = readText(logFile);
+    const std::string log = oxReadFile(logFile);
     EXPECT_NE(log.find("[error] Plug-in '" + plugins.file("libbroken.so") + "' can't be loaded"),
               std::string::npos)
         << log;

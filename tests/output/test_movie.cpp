@@ -38,13 +38,13 @@ TEST_F(MovieTest, UnnamedFormsWriteNumberedImagesAndEndWithAWhiteBackground)
     EXPECT_EQ(filesIn(dir.path()),
               names({"every.0001.png", "every.0002.png", "seq.0002.png", "seq.0003.png",
                      "seq.0004.png", "step.0001.jpg", "step.0003.jpg", "step.0005.jpg"}));
-    EXPECT_EQ(traced("oxImageWriter::exportImages"),
+    EXPECT_EQ(oxTraced("oxImageWriter::exportImages"),
               (std::vector<std::string>{dir.file("step.jpg") + ",1,5,2",
                                         dir.file("every.png") + ",1,2,1"}));
-    EXPECT_EQ(traced("oxImageWriter::setAlphaColor").back(), "1.000000,1.000000,1.000000");
-    EXPECT_EQ(traced("oxRaytracer::setPremultiply"),
+    EXPECT_EQ(oxTraced("oxImageWriter::setAlphaColor").back(), "1.000000,1.000000,1.000000");
+    EXPECT_EQ(oxTraced("oxRaytracer::setPremultiply"),
               (std::vector<std::string>{"true", "false", "true", "false"}));
-    EXPECT_TRUE(traced("oxAnimManager::setMotionBlurObjectID").empty());
+    EXPECT_TRUE(oxTraced("oxAnimManager::setMotionBlurObjectID").empty());
     EXPECT_FALSE(oxController::isBusy());
 }
 
@@ -67,12 +67,12 @@ TEST_F(MovieTest, NamedMovieOfTypeOneIsAnAVIWithTheFramesAndRate)
 
     // The animation drives motion blur for the time of the call only; the background ends
     // mid grey on this route.
-    EXPECT_EQ(traced("oxAnimManager::setMotionBlurObjectID"),
+    EXPECT_EQ(oxTraced("oxAnimManager::setMotionBlurObjectID"),
               std::vector<std::string>{std::to_string(clip->getId())});
-    EXPECT_EQ(traced("oxAnimManager::resetMotionBlurObjectID").size(), 1u);
+    EXPECT_EQ(oxTraced("oxAnimManager::resetMotionBlurObjectID").size(), 1u);
     EXPECT_EQ(oxAnimManager::the()->getMotionBlurObjectID(), 0u);
     EXPECT_EQ(
-        traced("oxImageWriter::setAlphaColor"),
+        oxTraced("oxImageWriter::setAlphaColor"),
         (std::vector<std::string>{"1.000000,1.000000,1.000000", "0.500000,0.500000,0.500000"}));
     EXPECT_FALSE(oxController::isBusy());
 }
@@ -84,7 +84,7 @@ TEST_F(MovieTest, ClipRangeComesFromAKnownAnimationOnly)
         oxAnimManager::the()->getFrameBounds(oxAnimManager::the()->find(kClip), start, stop));
     createMovie(kClip, dir.file("clip.png").c_str(), 2, 2, 25, 40, 41, 0, false, "0,0,0", true,
                 false, 1, true, 0);
-    EXPECT_EQ(traced("oxImageWriter::exportImages"),
+    EXPECT_EQ(oxTraced("oxImageWriter::exportImages"),
               std::vector<std::string>{dir.file("clip.png") + "," + std::to_string(start) + "," +
                                        std::to_string(stop) + ",1"});
     EXPECT_EQ(filesIn(dir.path()).size(), size_t(stop - start + 1));
@@ -93,9 +93,9 @@ TEST_F(MovieTest, ClipRangeComesFromAKnownAnimationOnly)
     oxCallTrace::clear();
     createMovie("No Such Clip", dir.file("unknown.png").c_str(), 2, 2, 25, 3, 4, 0, false, "0,0,0",
                 true, false, -2, true, 0);
-    EXPECT_EQ(traced("oxImageWriter::exportImages"),
+    EXPECT_EQ(oxTraced("oxImageWriter::exportImages"),
               std::vector<std::string>{dir.file("unknown.png") + ",3,4,1"});
-    EXPECT_EQ(traced("oxAnimManager::setMotionBlurObjectID"), std::vector<std::string>{"0"});
+    EXPECT_EQ(oxTraced("oxAnimManager::setMotionBlurObjectID"), std::vector<std::string>{"0"});
 }
 
 TEST_F(MovieTest, CommaSeparatedTextsSplitOnlyWhenTheCountIsExact)
@@ -107,7 +107,7 @@ TEST_F(MovieTest, CommaSeparatedTextsSplitOnlyWhenTheCountIsExact)
                 1, false, 0);
     EXPECT_EQ(filesIn(dir.path()), names({"a,b,c.0001.png", "hosted.0001.png"}));
     EXPECT_EQ(
-        traced("oxImageWriter::setAlphaColor"),
+        oxTraced("oxImageWriter::setAlphaColor"),
         (std::vector<std::string>{"0.250000,0.500000,1.000000", "0.500000,0.500000,0.500000",
                                   "0.000000,0.000000,0.000000", "0.500000,0.500000,0.500000"}));
     // Three parts exactly, each a number or 0.
@@ -135,7 +135,7 @@ TEST_F(MovieTest, AnimationCommandsAndOtherExportTypesRenderImagesByStep)
         names({"all.0000.png", "all.0001.png", "anim.0000.png", "anim.0001.png", "anim.0002.png",
                "step.0000.png", "step.0002.png", "step.0004.png", "two.0000.png", "two.0001.png"}));
     EXPECT_EQ(readImage(dir.file("two.0001.png")).width, 4);
-    EXPECT_TRUE(traced("oxImageWriter::exportAVI").empty());
+    EXPECT_TRUE(oxTraced("oxImageWriter::exportAVI").empty());
 }
 
 TEST_F(MovieTest, MissingNamesDoNothing)
@@ -168,7 +168,7 @@ TEST_F(MovieTest, ExportMovieCallbackSetsTheWindowsRangeAndRate)
     EXPECT_EQ(settings.startFrame, 10);
     EXPECT_EQ(settings.stopFrame, 60);
     EXPECT_EQ(settings.fps, 30);
-    EXPECT_EQ(traced("QOXDockWindowManager::undock"),
+    EXPECT_EQ(oxTraced("QOXDockWindowManager::undock"),
               (std::vector<std::string>{"RenderSettings", "RenderSettings"}));
-    EXPECT_TRUE(traced("oxImageWriter::exportImages").empty());
+    EXPECT_TRUE(oxTraced("oxImageWriter::exportImages").empty());
 }

@@ -4,16 +4,6 @@
 
 namespace {
 
-std::vector<std::string> traced(const std::string& name)
-{
-    std::vector<std::string> arguments;
-    for (const oxCallTrace::Call& call : oxCallTrace::calls()) {
-        if (call.name == name)
-            arguments.push_back(call.arguments);
-    }
-    return arguments;
-}
-
 std::vector<std::string> renderNotices;
 void hearRenderNotice(oxMessage& message)
 {
@@ -153,7 +143,7 @@ TEST_F(RenderJobTest, FirstSettingsActivateEachTrackViewpointWithTheFirstTuple)
         viewpoints.push_back("Turntable " + std::to_string(i));
         sets.insert(sets.end(), {"Paint Blue,true", "Rims Classic,true"});
     }
-    EXPECT_EQ(traced("oxCameraService::activateViewpoint"), viewpoints);
-    EXPECT_EQ(traced("oxVariants::selectVariantSet"), sets);
+    EXPECT_EQ(oxTraced("oxCameraService::activateViewpoint"), viewpoints);
+    EXPECT_EQ(oxTraced("oxVariants::selectVariantSet"), sets);
     EXPECT_EQ(source.renders, 0);
 }

@@ -66,7 +66,7 @@ TEST_F(SnapshotTest, EachFormHandsItsDefaultsToTheWriter)
     for (const auto& [snapshot, arguments] : cases) {
         oxCallTrace::clear();
         EXPECT_TRUE(snapshot());
-        EXPECT_EQ(traced("oxImageWriter::exportImage"), Strings{f + ",8,6," + arguments});
+        EXPECT_EQ(oxTraced("oxImageWriter::exportImage"), Strings{f + ",8,6," + arguments});
     }
     // With an active pass override the file forms write passes.
     oxImageRenderWidget::setActiveRenderPasses(beautyAndDepth());
@@ -100,12 +100,12 @@ TEST_F(SnapshotTest, LongFormsLeaveTheirSwitchesButRestoreColourAndPremultiply)
     // A short form touches neither switch; a fast snapshot puts both back to false.
     oxCallTrace::clear();
     ASSERT_TRUE(createSnapshot(f.c_str(), 8, 6));
-    EXPECT_TRUE(traced("oxImageWriter::setNoShowImage").empty());
+    EXPECT_TRUE(oxTraced("oxImageWriter::setNoShowImage").empty());
     createSnapshotFastInit(8, 6);
     ASSERT_TRUE(createSnapshotFast(f.c_str()));
     createSnapshotFastTerminate();
-    EXPECT_EQ(traced("oxImageWriter::setNoShowImage"), (Strings{"true", "false"}));
-    EXPECT_EQ(traced("oxImageWriter::setNoOverwriteMessage"), (Strings{"true", "false"}));
+    EXPECT_EQ(oxTraced("oxImageWriter::setNoShowImage"), (Strings{"true", "false"}));
+    EXPECT_EQ(oxTraced("oxImageWriter::setNoOverwriteMessage"), (Strings{"true", "false"}));
 }
 
 TEST_F(SnapshotTest, NullUnsupportedOrModulelessSnapshotsFail)
@@ -138,7 +138,7 @@ TEST_F(SnapshotTest, DialogFormsWriteToTheChosenName)
     oxImageRenderWidget::setActiveRenderPasses(beautyAndDepth());
     createSnapshot(16, 12);
     createSnapshot(16, 12, 5, true, 96.0f);
-    EXPECT_EQ(traced("oxImageWriter::exportImage"),
+    EXPECT_EQ(oxTraced("oxImageWriter::exportImage"),
               (Strings{dir.file("dialog.png") + ",16,12,0,-1,-1.000000,false",
                        dir.file("dialog.png") + ",16,12,3,1,96.000000,false"}));
     EXPECT_EQ(readImage(dir.file("dialog.png")).width, 16);
@@ -147,7 +147,7 @@ TEST_F(SnapshotTest, DialogFormsWriteToTheChosenName)
     settings.filename = dir.file("dialog.xyz");
     expectLog(oxLog::Error, "Image format not supported!");
     createSnapshot(16, 12, 0, false);
-    EXPECT_TRUE(traced("oxImageWriter::exportImage").empty());
+    EXPECT_TRUE(oxTraced("oxImageWriter::exportImage").empty());
     EXPECT_FALSE(oxController::isBusy());
 
     // With a GUI the user's choice counts; a cancelled dialog gives a null name.
@@ -187,10 +187,10 @@ TEST_F(SnapshotTest, FastInitWaitsASecondWhileAScriptLoadsAProject)
     createSnapshotFastInit(8, 8);
     createSnapshotFastInit(20, 10, 5);
     QTest::qWait(500);
-    EXPECT_TRUE(traced("oxImageWriter::exportImageFastInit").empty());
+    EXPECT_TRUE(oxTraced("oxImageWriter::exportImageFastInit").empty());
     QTest::qWait(1000);
     // Each deferral fires, both with the last values asked for.
-    EXPECT_EQ(traced("oxImageWriter::exportImageFastInit"), (Strings{"20,10,3", "20,10,3"}));
+    EXPECT_EQ(oxTraced("oxImageWriter::exportImageFastInit"), (Strings{"20,10,3", "20,10,3"}));
     EXPECT_TRUE(createSnapshotFast(dir.file("deferred.png").c_str()));
     EXPECT_EQ(readImage(dir.file("deferred.png")).width, 20);
 }

@@ -74,16 +74,6 @@ protected:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
 
-    /// The arguments of every traced call of that name, in order.
-    static std::vector<std::string> traced(const std::string& name)
-    {
-        std::vector<std::string> arguments;
-        for (const oxCallTrace::Call& call : oxCallTrace::calls())
-            if (call.name == name)
-                arguments.push_back(call.arguments);
-        return arguments;
-    }
-
     /// The names of the files in a folder, sorted.
     static std::vector<std::string> filesIn(const std::string& folder)
     {

@@ -118,13 +118,6 @@ TEST_F(ModuleTest, ProjectMessageWithoutABoolLoadingFlagChangesNothing)
     EXPECT_TRUE(oxCallTrace::calls().empty());
 }
 
-TEST_F(ModuleTest, ExportImageDialogHasNoEffect)
-{
-    for (int result : {-1, 0, 1, 42})
-        theMovieExport->exportImageDialog(result);
-    EXPECT_TRUE(oxCallTrace::calls().empty());
-}
-
 TEST(MessageReaderTest, TypedReadsLeaveTheOutputUnlessTheTypeMatches)
 {
     oxMessage message;

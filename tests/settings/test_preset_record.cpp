@@ -120,17 +120,3 @@ TEST_F(RecordTest, EachFlagLightsItsPassIdsInTheRaytracersOrder)
                   .getRenderPassIds(),
               (std::vector<unsigned>{0, 28, 44}));
 }
-
-TEST_F(RecordTest, ValueTablesAndFileVersions)
-{
-    EXPECT_EQ(kDefaultMetaDataFlags, 121);
-    int allBits = 0;
-    for (const oxPresetValueName& bit : kMetaDataFlags)
-        allBits |= bit.value;
-    EXPECT_EQ(allBits, 255);
-    EXPECT_STREQ(oxPresetValueLabel(kIlluminationModes, -1), "Precomputed");
-    EXPECT_STREQ(oxPresetValueLabel(kPixelFilterTypes, 7), "Sharp Triangle");
-    EXPECT_EQ(oxPresetValueLabel(kDenoiseFilters, static_cast<int>(kLegacyDenoiseFilter)), nullptr);
-    EXPECT_EQ(oxRenderSettingsPreset::getCurrentFileVersion(), 1);
-    EXPECT_EQ(oxRenderSettingsPreset::getLoadedFileVersion(), 0);
-}

@@ -44,38 +44,6 @@ TEST_F(ServiceTest, ListenersHearChangesOnlyAndMayLeaveWhileCalled)
                                                 "GpuRaytracing"}));
 }
 
-TEST_F(ServiceTest, CallTraceRecordsEverySetterInOrderWithItsArguments)
-{
-    oxCallTrace::setEnabled(true);
-    oxRenderParameter::setLightEvaluationThreshold(0.001f); // unchanged, still a call
-    oxPixelfilterFactory::setPixelFilterWidth(2.5f);
-    oxRaytracingManager::getRaytracingUtils()->setNurbsUsePreclassification(false);
-    oxRaytracingManager::getRaytracingUtils()->updatePixelFilter();
-    oxRenderParameter::setRaytracingRenderRegion({0.0f, 0.25f, 0.5f, 1.0f});
-    oxOSGWidget::setRaytracingMode(false, true);
-    oxTBBInit::the().setCoreUsageLimit(0);
-
-    const std::vector<oxCallTrace::Call>& calls = oxCallTrace::calls();
-    ASSERT_EQ(calls.size(), 7u);
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {"oxRenderParameter::setLightEvaluationThreshold", "0.001"},
-        {"oxPixelfilterFactory::setPixelFilterWidth", "2.5"},
-        {"oxRaytracingUtilsBase::setNurbsUsePreclassification", "false"},
-        {"oxRaytracingUtilsBase::updatePixelFilter", ""},
-        {"oxRenderParameter::setRaytracingRenderRegion", "[0 0.25 0.5 1]"},
-        {"oxOSGWidget::setRaytracingMode", "false, true"},
-        {"oxTBBInit::setCoreUsageLimit", "0"},
-    };
-    for (size_t i = 0; i < expected.size(); ++i) {
-        EXPECT_EQ(calls[i].name, expected[i].first);
-        EXPECT_EQ(calls[i].arguments, expected[i].second);
-    }
-
-    oxCallTrace::setEnabled(false);
-    oxRenderParameter::setImageSamples(3);
-    EXPECT_EQ(oxCallTrace::calls().size(), 7u);
-}
-
 TEST_F(ServiceTest, PixelFilterReachesTheRaytracerOnlyOnUpdate)
 {
     oxRaytracingUtilsBase* utilities = oxRaytracingManager::getRaytracingUtils();

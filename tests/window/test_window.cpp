@@ -275,24 +275,14 @@ TEST_F(WindowTest, WindowFillsWhatTheFormCannotHold)
         EXPECT_EQ(box->itemData(4).toInt(), 3);
     }
 
-    // Wheel ranges.
-    struct Wheel {
-        QOXWheelPrec* wheel;
-        double minimum;
-        double maximum;
-        double step;
-    };
-    for (const Wheel& wheel : {Wheel{w->_gammaSlider, 0.5, 3.0, 0.01},
-                               Wheel{w->_displayLuminanceSlider, 1.0, 10000.0, 1.0},
-                               Wheel{w->_sim2LuminanceMappingSlider, 0.01, 100000.0, 0.01},
-                               Wheel{w->_indirect_radius, 0.0, -1.0, 0.5},
-                               Wheel{w->_final_gather_radius, 0.00001, -1.0, 0.5}}) {
-        SCOPED_TRACE(wheel.wheel->objectName().toStdString());
-        EXPECT_DOUBLE_EQ(wheel.wheel->minimum(), wheel.minimum);
-        if (wheel.maximum > 0) {
-            EXPECT_DOUBLE_EQ(wheel.wheel->maximum(), wheel.maximum);
+    for (const oxFormWheelRange& range : kWheelRanges) {
+        auto* wheel = w->findChild<QOXWheelPrec*>(range.widget);
+        ASSERT_NE(wheel, nullptr) << range.widget;
+        EXPECT_DOUBLE_EQ(wheel->minimum(), range.minimum) << range.widget;
+        if (range.maximum > 0) {
+            EXPECT_DOUBLE_EQ(wheel->maximum(), range.maximum) << range.widget;
         }
-        EXPECT_DOUBLE_EQ(wheel.wheel->singleStep(), wheel.step);
+        EXPECT_DOUBLE_EQ(wheel->singleStep(), range.singleStep) << range.widget;
     }
     // The gamma field shows and keeps hundredths.
     w->_gammaSlider->setValue(2.2);
@@ -365,20 +355,4 @@ TEST_F(WindowTest, SectionsLineUpAndFoldedContentsStayFolded)
     w->_clusterCF->setCollapsed(false);
     EXPECT_FALSE(w->_clusterCFPage->isHidden());
     EXPECT_FALSE(w->_imageCFPage->isHidden());
-}
-
-TEST(HeadlessOxlinTest, BuildsTheDockedWindowOffscreenAndEnds)
-{
-    // The real program with its plug-ins, headless: the window is docked into the offscreen
-    // main window, and the run ends by itself.
-    oxTempDir prefs;
-    const oxProcessResult result =
-        oxRunProcess(std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin",
-                     {"--no-gui", "--prefs-dir", prefs.path(), "--trace-host-calls"}, 30000);
-    EXPECT_EQ(result.exitCode, 0) << result.err;
-    EXPECT_NE(result.err.find("call QOXDockWindowManager::add(Render Settings)"), std::string::npos)
-        << result.err;
-    EXPECT_NE(result.err.find("call QOXDockWindowManager::addQuickAccessAction(QuickRender)"),
-              std::string::npos);
-    EXPECT_NE(result.out.find("oxMovieExport::~oxMovieExport"), std::string::npos);
 }
