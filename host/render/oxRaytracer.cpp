@@ -99,23 +99,13 @@ struct Sampler {
     }
 };
 
-// The passes this raytracer renders, by their ids in the host's naming table (oxImagePasses).
-enum HostPass : unsigned {
-    Beauty = 0,           // "beauty"
-    BackgroundColor = 15, // "background_color"
-    Occlusion = 30,       // "occlusion"
-    Albedo = 31,          // "albedo"
-    Normal = 32,          // "normal"
-    Depth = 33,           // "depth"
-    MaterialColor = 40,   // "materialID"
-    Mask = 41,            // "mask"
-    Position = 42,        // "position"
-    ViewVector = 43,      // "view"
-    CameraNormal = 44,    // "camera_normal"
-};
-const HostPass kHostPasses[] = {Beauty,   BackgroundColor, Occlusion,     Albedo,
-                                Normal,   Depth,           MaterialColor, Mask,
-                                Position, ViewVector,      CameraNormal};
+// The passes this raytracer renders (with the Cryptomatte layers, which isHostPass adds).
+const oxImagePasses::Id kHostPasses[] = {oxImagePasses::Beauty,      oxImagePasses::BackgroundColor,
+                                         oxImagePasses::Occlusion,   oxImagePasses::Albedo,
+                                         oxImagePasses::Normal,      oxImagePasses::Depth,
+                                         oxImagePasses::MaterialID,  oxImagePasses::Mask,
+                                         oxImagePasses::Position,    oxImagePasses::ViewVector,
+                                         oxImagePasses::CameraNormal};
 
 enum Dimension : uint32_t { DimPixel = 0, DimEnvironment = 1, DimReflection = 2, DimLights = 3 };
 constexpr uint32_t kTimeDimension = 1u << 15; // above any light's dimension
@@ -922,12 +912,13 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     const int samples = std::max(1, settings.samples);
     context.occlusionRays = std::clamp(64 / samples, 1, 16);
     for (unsigned id : settings.passIds) {
-        context.needs.beauty |= id == Beauty;
-        context.needs.occlusion |= id == Occlusion;
-        context.needs.data |= id == Albedo || id == Normal || id == Depth || id == MaterialColor ||
-                              id == Position || id == CameraNormal;
-        context.needs.background |= id == BackgroundColor;
-        context.needs.view |= id == ViewVector;
+        context.needs.beauty |= id == oxImagePasses::Beauty;
+        context.needs.occlusion |= id == oxImagePasses::Occlusion;
+        context.needs.data |= id == oxImagePasses::Albedo || id == oxImagePasses::Normal ||
+                              id == oxImagePasses::Depth || id == oxImagePasses::MaterialID ||
+                              id == oxImagePasses::Position || id == oxImagePasses::CameraNormal;
+        context.needs.background |= id == oxImagePasses::BackgroundColor;
+        context.needs.view |= id == oxImagePasses::ViewVector;
         context.needs.cryptoObject |=
             id >= oxImagePasses::cryptoObjectFirst && id < oxImagePasses::cryptoMaterialFirst;
         context.needs.cryptoMaterial |=
@@ -1101,7 +1092,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         for (oxRenderedPass& pass : image.passes) {
             float* pixel = pass.rgba.data() + index;
             switch (pass.passId) {
-            case Beauty: {
+            case oxImagePasses::Beauty: {
                 const Vec3 premultiplied = sums.beauty * norm;
                 if (!settings.alpha) {
                     const Vec3 behind{settings.alphaColor[0], settings.alphaColor[1],
@@ -1115,34 +1106,34 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                 }
                 break;
             }
-            case BackgroundColor:
+            case oxImagePasses::BackgroundColor:
                 put(pixel, sums.background * norm, 1.0f);
                 break;
-            case Occlusion:
+            case oxImagePasses::Occlusion:
                 put(pixel, Vec3{1, 1, 1} * (sums.occlusion * absNorm), dataAlpha);
                 break;
-            case Albedo:
+            case oxImagePasses::Albedo:
                 put(pixel, sums.albedo * hitNorm, dataAlpha);
                 break;
-            case Normal:
+            case oxImagePasses::Normal:
                 put(pixel, sums.normal * hitNorm, dataAlpha);
                 break;
-            case Depth:
+            case oxImagePasses::Depth:
                 put(pixel, Vec3{1, 1, 1} * (sums.depth * hitNorm), dataAlpha);
                 break;
-            case MaterialColor:
+            case oxImagePasses::MaterialID:
                 put(pixel, sums.idColor * hitNorm, dataAlpha);
                 break;
-            case Mask:
+            case oxImagePasses::Mask:
                 put(pixel, Vec3{1, 1, 1} * coverage, coverage);
                 break;
-            case Position:
+            case oxImagePasses::Position:
                 put(pixel, sums.position * hitNorm, dataAlpha);
                 break;
-            case ViewVector:
+            case oxImagePasses::ViewVector:
                 put(pixel, normalize(sums.view * absNorm), dataAlpha);
                 break;
-            case CameraNormal:
+            case oxImagePasses::CameraNormal:
                 put(pixel, sums.cameraNormal * hitNorm, dataAlpha);
                 break;
             default: {
