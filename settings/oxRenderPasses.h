@@ -10,56 +10,12 @@
 // The render pass vocabulary: every name by which the record, the scene, the preset file, the
 // window, the scripts and the file naming know a pass. Everything else iterates these tables.
 
-/// A pass's position in ActivePassList, as the host's image writer numbers its passes.
-enum PassId : unsigned {
-    PassBeauty = 0,
-    PassDiffuseIBL = 1,
-    PassDiffuseLight = 2,
-    PassGlossyIBL = 3,
-    PassGlossyLight = 4,
-    PassSpecularReflection = 5,
-    PassTranslucency = 6,
-    PassIncandescence = 7,
-    PassDiffuseIndirect = 8,
-    PassGlossyIndirect = 9,
-    PassDiffuseColor = 10,
-    PassGlossyColor = 11,
-    PassSpecularColor = 12,
-    PassTranslucencyColor = 13,
-    PassTransparencyColor = 14,
-    PassBackgroundColor = 15,
-    PassDiffuseIBLIllumination = 16,
-    PassGlossyIBLIllumination = 17,
-    PassTranslucencyIBLIllumination = 18,
-    PassDiffuseLightIllumination = 19,
-    PassGlossyLightIllumination = 20,
-    PassTranslucencyLightIllumination = 21,
-    PassDiffuseIndirectIllumination = 22,
-    PassGlossyIndirectIllumination = 23,
-    PassSpecularIndirectIllumination = 24,
-    PassTranslucencyIndirectIllumination = 25,
-    PassFog = 26,
-    PassLensFlare = 27,
-    PassBackplates = 28,
-    PassFrontplates = 29,
-    PassOcclusion = 30,
-    PassAlbedo = 31,
-    PassNormal = 32,
-    PassDepth = 33,
-    PassCryptoObject00 = 34,
-    PassCryptoObject01 = 35,
-    PassCryptoObject02 = 36,
-    PassCryptoMaterial00 = 37,
-    PassCryptoMaterial01 = 38,
-    PassCryptoMaterial02 = 39,
-    PassMaterialID = 40,
-    PassMask = 41,
-    PassPosition = 42,
-    PassViewVector = 43,
-    PassCameraNormal = 44,
-    PassMotionVector = 45,
-    PassGPUDepth = 46,
-};
+/// A pass's position in ActivePassList: the host's pass ids, under the plug-in's names
+/// (PassBeauty is oxImagePasses::Beauty, and so on for every pass of the host's table).
+using PassId = oxImagePasses::Id;
+#define OX_PLUGIN_PASS_ID(id, name) constexpr PassId Pass##id = oxImagePasses::id;
+OX_IMAGE_PASSES(OX_PLUGIN_PASS_ID)
+#undef OX_PLUGIN_PASS_ID
 
 constexpr size_t kPassCount = oxImagePasses::count;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxImagePasses.h"
 #include "oxRenderParameter.h"
 
 #include <array>
@@ -75,7 +76,7 @@ public:
     struct Settings {
         int width = 0;
         int height = 0;
-        std::vector<unsigned> passIds{0};
+        std::vector<unsigned> passIds{oxImagePasses::Beauty};
         int samples = 1;
         int filterType = 7;
         float filterWidth = 1.0f;

@@ -1,5 +1,6 @@
 #include "oxRaytracerSource.h"
 
+#include "oxImagePasses.h"
 #include "oxOSGWidget.h"
 #include "oxRaytracer.h"
 #include "oxScene.h"
@@ -45,7 +46,7 @@ bool oxRaytracerSource::render(const oxRenderRequest& request, oxRenderedImage& 
                         core->getTonemappingSettings())
                     whitepoint = tonemapping->getWhitepoint();
         for (oxRenderedPass& pass : image.passes)
-            if (pass.passId == 0)
+            if (pass.passId == oxImagePasses::Beauty)
                 oxRaytracerSource::tonemap(pass.rgba, whitepoint);
     }
     return true;

@@ -1,0 +1,129 @@
+#pragma once
+
+#include "oxPixelFilterKernels.h"
+#include "oxRayMath.h"
+#include "oxRaytracer.h"
+#include "oxSampleSequence.h"
+#include "oxScene.h"
+
+#include <embree3/rtcore.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+// Shading: what the raytracer takes from the scene's materials, objects and lights, and what a
+// camera sample sees where its primary ray ends.
+namespace oxRay {
+
+struct ShadeMaterial {
+    Vec3 albedo{0.8f, 0.8f, 0.8f};
+    Vec3 diffuse{0.8f, 0.8f, 0.8f};
+    Vec3 specular{0.04f, 0.04f, 0.04f};
+    float shininess = 20.0f;
+    float roughness = 0.5f;
+    Vec3 emission{0, 0, 0};
+    Vec3 idColor{0.5f, 0.5f, 0.5f};
+    float cryptoId = 0.0f;
+};
+
+struct ShadeLight {
+    osg::Light::Type type = osg::Light::Directional;
+    Vec3 position{0, 0, 0};
+    Vec3 direction{0, 0, -1}; // where it shines
+    Vec3 radiance{1, 1, 1};
+    int attenuation = 0;
+    float cosOuter = 0.0f;
+    float cosInner = 0.0f;
+};
+
+// What one camera sample saw.
+struct SampleResult {
+    bool hit = false;
+    Vec3 beauty{0, 0, 0};
+    Vec3 background{0, 0, 0};
+    Vec3 albedo{0, 0, 0};
+    Vec3 normal{0, 0, 0};
+    Vec3 cameraNormal{0, 0, 0};
+    Vec3 position{0, 0, 0};
+    Vec3 view{0, 0, 0};
+    Vec3 idColor{0, 0, 0};
+    float depth = 0.0f;
+    float occlusion = 1.0f;
+    float objectId = 0.0f;
+    float materialId = 0.0f;
+};
+
+// What a primary ray hit.
+struct PrimaryHit {
+    bool hit = false;
+    float distance = 0.0f;
+    uint32_t primitive = 0;
+    Vec3 normal{0, 0, 1}; // geometric, not normalised
+};
+
+// Which passes a render needs, by what they cost.
+struct PassNeeds {
+    bool beauty = false;
+    bool occlusion = false;
+    bool cryptoObject = false;
+    bool cryptoMaterial = false;
+    bool data = false; // any pass of the surface's data (albedo, normal, depth, ...)
+    bool background = false;
+    bool view = false;
+};
+
+// Everything the tiles share during one render.
+struct RenderContext {
+    RTCScene scene = nullptr;
+    const oxSceneSnapshot* snapshot = nullptr;
+    oxRaytracerCamera camera;
+    Vec3 cameraRight{1, 0, 0}; // unit vectors of the camera's image plane
+    Vec3 cameraUp{0, 1, 0};
+    std::vector<ShadeMaterial> materials;
+    std::vector<float> triangleObjectIds; // Cryptomatte id of each triangle's object
+    std::vector<ShadeLight> lights;
+    const FilterSampler* filter = nullptr;
+    PassNeeds needs;
+    int occlusionRays = 1;
+    const std::vector<std::vector<uint32_t>>* triangleOf = nullptr;
+    bool motion = false; // samples carry a time within the shutter interval
+
+    // The snapshot's triangle that a primitive of a geometry stands for.
+    uint32_t triangle(unsigned geometry, unsigned primitive) const
+    {
+        return triangleOf->empty() ? primitive : (*triangleOf)[geometry][primitive];
+    }
+
+    /// Fills materials from the snapshot's, and materialNames with their distinct names.
+    void loadMaterials(const oxSceneSnapshot& snapshot, std::vector<std::string>& materialNames);
+    /// Fills triangleObjectIds, and objectNames with the distinct paths of the objects below
+    /// scene's root.
+    void loadObjects(const oxSceneSnapshot& snapshot, const oxScene& scene,
+                     std::vector<std::string>& objectNames);
+    /// Fills lights from the snapshot's; the headlight only when the scene has no lights of
+    /// its own. Needs camera.
+    void loadLights(const oxSceneSnapshot& snapshot, const oxScene& scene);
+
+    bool occluded(const Vec3& origin, const Vec3& direction, float distance, float time) const;
+
+    // Diffuse and highlight from every light, with one shadow ray each.
+    Vec3 directLight(const Vec3& point, const Vec3& normal, const Vec3& toEye,
+                     const ShadeMaterial& material, const Sampler& sampler, float time) const;
+
+    // The primary ray through direction, clipped to the camera's near and far distances.
+    void primaryRay(const Vec3& direction, float& tnear, float& tfar) const
+    {
+        const float inverseCosine = 1.0f / std::max(1e-4f, dot(direction, camera.forward));
+        tnear = camera.nearDistance * inverseCosine;
+        tfar = std::min(camera.farDistance * inverseCosine, std::numeric_limits<float>::max());
+    }
+
+    // Shades what the primary ray along direction found at the sample's time.
+    void shade(const Vec3& direction, const PrimaryHit& hit, const Sampler& sampler, float time,
+               SampleResult& result) const;
+};
+
+} // namespace oxRay
