@@ -646,7 +646,7 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
     request.frame = frame;
     request.animation = job.sequence || job.movie;
     request.passIds =
-        job.passIds.empty() || job.movie ? std::vector<unsigned>{0} : knownPasses(job.passIds);
+        job.passIds.empty() || job.movie ? std::vector<unsigned>{oxImagePasses::Beauty} : knownPasses(job.passIds);
     request.supersampling = m_supersampling;
     request.alpha = job.alpha;
     std::copy(m_alphaColor, m_alphaColor + 3, request.alphaColor);
@@ -696,7 +696,7 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
         }
     }
     if (job.movie) {
-        if (!job.movieWriter->addFrame(image.find(0)->rgba.data(), error)) {
+        if (!job.movieWriter->addFrame(image.find(oxImagePasses::Beauty)->rgba.data(), error)) {
             oxLog::error("Image writer: can't add frame %d to the movie '%s': %s.", frame,
                          shown.c_str(), error.c_str());
             return false;
