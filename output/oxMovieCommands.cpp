@@ -46,7 +46,7 @@ void exportUnnamed(const char* filename, const AnimationExport& a)
     oxImageWriter* writer = oxOutputHost::writerFor("createMovie");
     if (!writer)
         return;
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     oxRaytracer::setPremultiply(a.alphaPremultiply);
     writer->setAlphaColor(a.alphaColor[0], a.alphaColor[1], a.alphaColor[2]);
     writer->setNoOverwriteMessage(a.overwrite);
@@ -56,7 +56,6 @@ void exportUnnamed(const char* filename, const AnimationExport& a)
                          std::max(1, a.step), a.tonemapHDR);
     writer->setAlphaColor(1.0f, 1.0f, 1.0f);
     oxRaytracer::setPremultiply(false);
-    oxController::setBusy(false, false);
 }
 
 void exportNamed(const char* command, const char* movie, const char* filename, AnimationExport a)
@@ -78,7 +77,7 @@ void exportNamed(const char* command, const char* movie, const char* filename, A
             animations->getFrameBounds(animation, a.startFrame, a.stopFrame);
     }
 
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     oxRaytracer::setPremultiply(a.alphaPremultiply);
     animations->setMotionBlurObjectID(objectId);
     writer->setAlphaColor(a.alphaColor[0], a.alphaColor[1], a.alphaColor[2]);
@@ -105,7 +104,6 @@ void exportNamed(const char* command, const char* movie, const char* filename, A
     writer->setAlphaColor(0.5f, 0.5f, 0.5f);
     animations->resetMotionBlurObjectID();
     oxRaytracer::setPremultiply(false);
-    oxController::setBusy(false, false);
 }
 
 AnimationExport frameRange(int width, int height, int fps, int startFrame, int stopFrame, int ssf,

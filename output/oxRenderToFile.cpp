@@ -92,20 +92,14 @@ void pushExportSettings(oxImageWriter& writer, const oxRenderSettingsPresetSPtr&
 bool renderPresetToFile(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
                         const oxRenderSettingsPreset* windowSettings, const QString& clusterHosts)
 {
-    const bool wasSimulating = oxController::isSimulationEnable();
     oxOSGWidget::cancelAntialiasing();
-    if (wasSimulating)
-        oxController::enableSimulation(false);
-    oxController::setBusy(true, false);
+    const oxSimulationPause pause;
+    const oxBusyGuard busy;
 
     const QString directory = prepareOutputDirectory(record);
     const std::string baseName = record ? oxFile::getBaseName(record->filename) : std::string();
-    if (directory.isEmpty() || baseName.empty()) {
-        oxController::setBusy(false, false);
-        if (wasSimulating)
-            oxController::enableSimulation(true);
+    if (directory.isEmpty() || baseName.empty())
         return false;
-    }
 
     const std::array<float, 4> savedRegion = applyRenderRegion(record);
     oxImageRenderWidget::setActiveRenderPasses(record->getRenderPassFlags());
@@ -126,8 +120,5 @@ bool renderPresetToFile(oxImageWriter& writer, const oxRenderSettingsPresetSPtr&
             view->setRenderRegion(!coversWholeImage(savedRegion), savedRegion[0], savedRegion[1],
                                   savedRegion[2], savedRegion[3]);
     }
-    oxController::setBusy(false, false);
-    if (wasSimulating)
-        oxController::enableSimulation(true);
     return canceled;
 }

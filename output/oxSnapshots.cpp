@@ -53,7 +53,7 @@ void dialogSnapshot(int width, int height, int ssf, int alpha, float dpi)
     oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return;
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     // The record only gives the dialog its start name; it lives for this call.
     oxRenderSettingsPresetSPtr record = oxOutputHost::current()->captureWindowSettings();
     if (!record)
@@ -62,7 +62,6 @@ void dialogSnapshot(int width, int height, int ssf, int alpha, float dpi)
     if (!filename.isEmpty())
         writer->exportImage(filename, width, height, supersamplingMode(ssf), alpha, dpi, false,
                             QString(), false, false);
-    oxController::setBusy(false, false);
 }
 
 bool shortSnapshot(const char* filename, int width, int height, int mode, int alpha, float dpi)
@@ -72,13 +71,12 @@ bool shortSnapshot(const char* filename, int width, int height, int mode, int al
     oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return false;
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     oxRaytracer::setPremultiply(false);
     osg_image_file_handler_errno = 0;
     writer->exportImage(QString::fromUtf8(filename), width, height, mode, alpha, dpi,
                         oxImageRenderWidget::hasActiveRenderPasses(), QString(), false, false);
     const bool written = osg_image_file_handler_errno == 0;
-    oxController::setBusy(false, false);
     return written;
 }
 
@@ -91,7 +89,7 @@ bool longSnapshot(const char* filename, int width, int height, int ssf, bool alp
     oxImageWriter* writer = oxOutputHost::writerFor("createSnapshot");
     if (!writer)
         return false;
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     oxRaytracer::setPremultiply(alphaPremultiply);
     writer->setAlphaColor(alphaRed, alphaGreen, alphaBlue);
     // The overwrite and display switches outlast the call on purpose: later short forms
@@ -106,7 +104,6 @@ bool longSnapshot(const char* filename, int width, int height, int ssf, bool alp
     // White, not the colour from before the call: scripts rely on a known background.
     writer->setAlphaColor(1.0f, 1.0f, 1.0f);
     oxRaytracer::setPremultiply(false);
-    oxController::setBusy(false, false);
     return written;
 }
 
@@ -207,7 +204,7 @@ bool createSnapshotFast(const char* filename)
     oxImageWriter* writer = oxOutputHost::writerFor("createSnapshotFast");
     if (!writer)
         return false;
-    oxController::setBusy(true, false);
+    const oxBusyGuard busy;
     oxRaytracer::setPremultiply(false);
     osg_image_file_handler_errno = 0;
     writer->setNoProgress(true);
@@ -219,7 +216,6 @@ bool createSnapshotFast(const char* filename)
     writer->setNoShowImage(false);
     writer->setNoOverwriteMessage(false);
     const bool written = osg_image_file_handler_errno == 0;
-    oxController::setBusy(false, false);
     return written;
 }
 

@@ -76,3 +76,33 @@ signals:
 private:
     oxController() = default;
 };
+
+/// Marks the application busy for the life of the guard (without the wait cursor), whichever
+/// way the scope is left.
+class oxBusyGuard {
+public:
+    oxBusyGuard() { oxController::setBusy(true, false); }
+    ~oxBusyGuard() { oxController::setBusy(false, false); }
+    oxBusyGuard(const oxBusyGuard&) = delete;
+    oxBusyGuard& operator=(const oxBusyGuard&) = delete;
+};
+
+/// Pauses the simulation for the life of the guard when it runs, and resumes it after.
+class oxSimulationPause {
+public:
+    oxSimulationPause() : m_wasRunning(oxController::isSimulationEnable())
+    {
+        if (m_wasRunning)
+            oxController::enableSimulation(false);
+    }
+    ~oxSimulationPause()
+    {
+        if (m_wasRunning)
+            oxController::enableSimulation(true);
+    }
+    oxSimulationPause(const oxSimulationPause&) = delete;
+    oxSimulationPause& operator=(const oxSimulationPause&) = delete;
+
+private:
+    const bool m_wasRunning;
+};
