@@ -83,11 +83,7 @@ void oxMovieExport::connectWindow()
     connect(window->_choose_filename, &QPushButton::clicked, this, &oxMovieExport::openFileDialog);
 }
 
-void oxMovieExport::registerCallbacks()
-{
-    for (const oxMovieExportCallback& callback : kMovieExportCallbacks)
-        oxController::addCB(callback.name, callback.function);
-}
+void oxMovieExport::registerCallbacks() { addCallbacks(kMovieExportCallbacks); }
 
 void oxMovieExport::dressFileChooser()
 {
@@ -172,8 +168,7 @@ oxMovieExport::~oxMovieExport()
     if (QCoreApplication::instance())
         delete renderSettingsWindow.data();
     renderSettingsWindow = nullptr;
-    for (const oxMovieExportCallback& callback : kMovieExportCallbacks)
-        oxController::subCB(callback.name, callback.function);
+    removeCallbacks(kMovieExportCallbacks);
     if (theMovieExport == this)
         theMovieExport = nullptr;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-class oxMessage;
+#include "oxMessageHelpers.h"
 
 // The module's named callbacks. Each is a plain function that reaches the module through
 // theMovieExport; the module registers them in the order of kMovieExportCallbacks.
@@ -16,13 +16,8 @@ void exportSnapshotCB(oxMessage& message);
 /// "oxMovieExport::clickedAddToRenderQueue": the render queue button, for other modules.
 void clickedAddToRenderQueueCB(oxMessage& message);
 
-struct oxMovieExportCallback {
-    const char* name;
-    void (*function)(oxMessage&);
-};
-
 /// The callbacks in registration order.
-inline constexpr oxMovieExportCallback kMovieExportCallbacks[] = {
+inline constexpr oxNamedCallback kMovieExportCallbacks[] = {
     {"checkFileWritingForPresets", checkFileWritingForPresetsCB},
     {"checkFileWritingForPreset", checkFileWritingForPresetCB},
     {"oxMovieExport::exportMovie", exportMovieCB},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxController.h"
 #include "oxMessage.h"
 
 #include <boost/any.hpp>
@@ -27,4 +28,37 @@ bool getFromMessage(const oxMessage& message, const std::string& name, T& value)
     }
     value = boost::any_cast<T>(stored);
     return true;
+}
+
+/// A named callback of the host's controller, as the plug-in's callback tables list them.
+struct oxNamedCallback {
+    const char* name;
+    oxController::Callback function;
+};
+
+/// Adds every callback of table, in table order.
+template <typename Table>
+void addCallbacks(const Table& table)
+{
+    for (const oxNamedCallback& callback : table)
+        oxController::addCB(callback.name, callback.function);
+}
+
+/// Adds every callback of table once: each is removed first, so that a second registration
+/// doesn't make the host call it twice.
+template <typename Table>
+void addCallbacksOnce(const Table& table)
+{
+    for (const oxNamedCallback& callback : table) {
+        oxController::subCB(callback.name, callback.function);
+        oxController::addCB(callback.name, callback.function);
+    }
+}
+
+/// Removes every callback of table, in table order.
+template <typename Table>
+void removeCallbacks(const Table& table)
+{
+    for (const oxNamedCallback& callback : table)
+        oxController::subCB(callback.name, callback.function);
 }

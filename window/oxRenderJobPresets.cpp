@@ -116,7 +116,7 @@ void receiveRenderSettingsFromRenderQueueCB(oxMessage& message)
 
 } // namespace
 
-const std::array<oxRenderJobPresetCallback, 9> kRenderJobPresetCallbacks = {{
+const std::array<oxNamedCallback, 9> kRenderJobPresetCallbacks = {{
     {"addRQPreset", addRQPresetCB},
     {"deleteRQPreset", deleteRQPresetCB},
     {"saveRenderJobPresets", saveRenderJobPresetsCB},
@@ -128,20 +128,9 @@ const std::array<oxRenderJobPresetCallback, 9> kRenderJobPresetCallbacks = {{
     {"receiveRenderSettingsFromRenderQueue", receiveRenderSettingsFromRenderQueueCB},
 }};
 
-void registerRenderJobPresetCallbacks()
-{
-    // Removing first keeps a second registration from calling each function twice.
-    for (const oxRenderJobPresetCallback& callback : kRenderJobPresetCallbacks) {
-        oxController::subCB(callback.name, callback.function);
-        oxController::addCB(callback.name, callback.function);
-    }
-}
+void registerRenderJobPresetCallbacks() { addCallbacksOnce(kRenderJobPresetCallbacks); }
 
-void unregisterRenderJobPresetCallbacks()
-{
-    for (const oxRenderJobPresetCallback& callback : kRenderJobPresetCallbacks)
-        oxController::subCB(callback.name, callback.function);
-}
+void unregisterRenderJobPresetCallbacks() { removeCallbacks(kRenderJobPresetCallbacks); }
 
 void oxRenderSettings::addRQPreset(const char* name)
 {

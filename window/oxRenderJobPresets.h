@@ -1,5 +1,7 @@
 #pragma once
 
+#include "oxMessageHelpers.h"
+
 #include <array>
 
 class oxMessage;
@@ -16,13 +18,8 @@ constexpr const char* kRQPresetAttribute = "preset";
 constexpr const char* kRQPresetsAttribute = "presets";
 constexpr const char* kRQPresetXmlAttribute = "xml";
 
-struct oxRenderJobPresetCallback {
-    const char* name;
-    void (*function)(oxMessage&);
-};
-
 /// The callbacks, in registration order. Each does nothing while there is no window.
-extern const std::array<oxRenderJobPresetCallback, 9> kRenderJobPresetCallbacks;
+extern const std::array<oxNamedCallback, 9> kRenderJobPresetCallbacks;
 
 /// Registers every callback of kRenderJobPresetCallbacks once (a second call changes
 /// nothing); the window does this at construction.

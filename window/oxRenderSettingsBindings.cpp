@@ -9,6 +9,7 @@
 #include "oxController.h"
 #include "oxMaterialInterface.h"
 #include "oxMessage.h"
+#include "oxMessageHelpers.h"
 #include "oxOSGWidget.h"
 #include "oxPreferencesService.h"
 #include "oxRaytracingManager.h"
@@ -50,12 +51,7 @@ void updateRenderModeButtonCB(oxMessage&)
         window->updateRenderStatistics();
 }
 
-struct oxWindowCallback {
-    const char* name;
-    oxController::Callback function;
-};
-
-const std::array<oxWindowCallback, 6> kWindowCallbacks = {{
+const std::array<oxNamedCallback, 6> kWindowCallbacks = {{
     {"oxRenderSettings::update", &updateCB},
     {"blockCreated", &clipListCB},
     {"clipCreated", &clipListCB},
@@ -80,17 +76,12 @@ void oxRenderSettings::connectBindings()
         connect(preferences, &oxPreferencesService::preferencesChanged, this,
                 &Self::updateRenderStatistics);
 
-    for (const oxWindowCallback& callback : kWindowCallbacks)
-        oxController::addCB(callback.name, callback.function);
+    addCallbacks(kWindowCallbacks);
 
     connectImageSize();
 }
 
-void oxRenderSettings::disconnectBindings()
-{
-    for (const oxWindowCallback& callback : kWindowCallbacks)
-        oxController::subCB(callback.name, callback.function);
-}
+void oxRenderSettings::disconnectBindings() { removeCallbacks(kWindowCallbacks); }
 
 void oxRenderSettings::refreshLive()
 {

@@ -21,31 +21,15 @@ using P = oxRenderSettingsPreset;
 
 namespace {
 
-struct oxRenderSettingsCallback {
-    const char* name;
-    void (*function)(oxMessage&);
-};
-
-const oxRenderSettingsCallback kRenderSettingsCallbacks[] = {
+const oxNamedCallback kRenderSettingsCallbacks[] = {
     {"oxRenderSettings::loadSettings", oxRenderSettings::loadSettingsCallback},
 };
 
 } // namespace
 
-void registerRenderSettingsCallbacks()
-{
-    // Removing first keeps a second registration from calling each function twice.
-    for (const oxRenderSettingsCallback& callback : kRenderSettingsCallbacks) {
-        oxController::subCB(callback.name, callback.function);
-        oxController::addCB(callback.name, callback.function);
-    }
-}
+void registerRenderSettingsCallbacks() { addCallbacksOnce(kRenderSettingsCallbacks); }
 
-void unregisterRenderSettingsCallbacks()
-{
-    for (const oxRenderSettingsCallback& callback : kRenderSettingsCallbacks)
-        oxController::subCB(callback.name, callback.function);
-}
+void unregisterRenderSettingsCallbacks() { removeCallbacks(kRenderSettingsCallbacks); }
 
 int oxRenderSettings::decideBrdfMode(const oxMessage& project, int reference)
 {
