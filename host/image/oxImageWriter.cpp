@@ -645,8 +645,9 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
     request.height = job.height;
     request.frame = frame;
     request.animation = job.sequence || job.movie;
-    request.passIds =
-        job.passIds.empty() || job.movie ? std::vector<unsigned>{oxImagePasses::Beauty} : knownPasses(job.passIds);
+    request.passIds = job.passIds.empty() || job.movie
+                          ? std::vector<unsigned>{oxImagePasses::Beauty}
+                          : knownPasses(job.passIds);
     request.supersampling = m_supersampling;
     request.alpha = job.alpha;
     std::copy(m_alphaColor, m_alphaColor + 3, request.alphaColor);
