@@ -10,6 +10,9 @@ DEMO_DIR ?= $(BUILD_DIR)/demo
 export QT_QPA_PLATFORM ?= offscreen
 export CCACHE_DIR ?= $(HOME)/.ccache
 export CCACHE_MAXSIZE ?= 5G
+# Paths relative to the checkout, so that a fresh clone elsewhere (CI) hits the same cache.
+export CCACHE_BASEDIR ?= $(CURDIR)
+export CCACHE_NOHASHDIR ?= 1
 
 .PHONY: deps configure build test test-release test-asan demo screenshots format format-check clean
 
