@@ -48,8 +48,8 @@ struct oxSettingKey {
     const char* oldKey = nullptr;
 };
 
-/// The scene key texts that the render job record shares; the scene key table and the job
-/// record both name them from here.
+/// The scene key texts that other records share (the render job record, the preset file's
+/// columns); the scene key table and those records all name them from here.
 namespace oxSceneKey {
 constexpr const char VariantSetsUsed[] = "VariantSetsUsed";
 constexpr const char RenderAnimation[] = "MovieExport Render Animation";
@@ -85,7 +85,21 @@ constexpr const char StopFrame[] = "MovieExport stop frame";
 constexpr const char StepFrame[] = "MovieExport step frame";
 constexpr const char AnimationFormat[] = "MovieExport Animation Format";
 constexpr const char UseClipRange[] = "MovieExport Use Clip Range";
+constexpr const char SampleOffset[] = "SampleOffset";
+constexpr const char InteractiveTextureSharpness[] = "Interactive Texture Sharpness";
+constexpr const char TextureSharpness[] = "Texture Sharpness";
+constexpr const char LightEvaluationThreshold[] = "Light Evaluation Threshold";
+constexpr const char HighQualityTextureFiltering[] = "High Quality Texture Filtering";
+constexpr const char StillFrameSupersampling[] = "Still Frame Supersampling";
+constexpr const char PhotonTraceDepth[] = "Photon Trace Depth";
+constexpr const char PhotonLookupCount[] = "Photon Lookup Count";
+constexpr const char UseFinalGatherForGlossy[] = "Use Final Gather for Glossy";
+constexpr const char Illuminant[] = "Illuminant";
 } // namespace oxSceneKey
+
+/// Preferences of the renderer's multi-device sharing, also carried by render job records.
+constexpr const char* kUseNVLinkTextureSharingKey = "Use NVLink Texture Sharing";
+constexpr const char* kUseNVLinkGeometrySharingKey = "Use NVLink Geometry Sharing";
 
 /// The older integer size keys: fallback of the scene's float sizes, the size in preferences.
 constexpr const char* kOldWidthKey = "ImageExport width";
