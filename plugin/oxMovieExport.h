@@ -88,10 +88,8 @@ private:
     void dressFileChooser();
     void registerCallbacks();
 
-    /// The window's cluster hosts (empty without a window or with the cluster off) and its
-    /// current record (null without a window).
+    /// The window's cluster hosts (empty without a window or with the cluster off).
     QString clusterHosts() const;
-    const oxRenderSettingsPreset* windowPreset() const;
 
     // Created first and never freed: the host keeps using the writer after unload.
     oxImageWriter* imageWriter = nullptr;

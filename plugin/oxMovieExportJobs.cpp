@@ -42,11 +42,6 @@ QString oxMovieExport::clusterHosts() const
     return renderSettingsWindow ? renderSettingsWindow->clusterHosts() : QString();
 }
 
-const oxRenderSettingsPreset* oxMovieExport::windowPreset() const
-{
-    return renderSettingsWindow ? &renderSettingsWindow->getCurrentPreset() : nullptr;
-}
-
 oxRenderSettingsPresetSPtr oxMovieExport::captureWindowSettings()
 {
     return renderSettingsWindow ? renderSettingsWindow->getCurrentRenderSettings() : nullptr;
@@ -71,7 +66,7 @@ bool oxMovieExport::walkRenderPlan(const oxRenderSettingsPresetSPtr& record, QSt
 
 bool oxMovieExport::renderPresetToFile(const oxRenderSettingsPresetSPtr& record)
 {
-    return ::renderPresetToFile(*imageWriter, record, windowPreset(), clusterHosts());
+    return ::renderPresetToFile(*imageWriter, record, windowSettings(), clusterHosts());
 }
 
 bool oxMovieExport::checkOutputFiles(const oxRenderSettingsPresetSPtr& record, bool askForName)
