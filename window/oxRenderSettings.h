@@ -68,6 +68,12 @@ public:
 
     /// A new record frozen from the host's live values and the window's output fields.
     oxRenderSettingsPresetSPtr getCurrentRenderSettings();
+    /// What a job record takes from the window beside the current record: the size preset
+    /// shown, the statistics counts and the cluster hosts.
+    oxRenderJobWindowValues renderJobWindowValues() const;
+    /// The cluster hosts a job renders on: the hosts field while the cluster box is ticked,
+    /// else empty.
+    QString clusterHosts() const;
 
     /// The settings' life in the scene's project record and in the preferences: load and
     /// save the current record, or reset it to the default settings of the preferences.
@@ -144,12 +150,6 @@ public slots:
     /// Tells listeners of "oxRenderSettings::render" that a render or a hand-off started: the
     /// current record in the preset file's column form, and "sender" (what started it).
     void notifyRenderStarted(const char* sender);
-    /// What a job record takes from the window beside the current record: the size preset
-    /// shown, the statistics counts and the cluster hosts.
-    oxRenderJobWindowValues renderJobWindowValues() const;
-    /// The cluster hosts a job renders on: the hosts field while the cluster box is ticked,
-    /// else empty.
-    QString clusterHosts() const;
     /// Brings the window's dock to the user.
     void triggeredWindowAction();
     /// Requests a refresh of the variant set display, the statistics and the read-back of the
