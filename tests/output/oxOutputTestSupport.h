@@ -9,6 +9,7 @@
 #include "oxExampleScene.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
+#include "oxMainWindow.h"
 #include "oxMessage.h"
 #include "oxMovieExport.h"
 #include "oxOSGWidget.h"
@@ -19,6 +20,7 @@
 #include "oxScene.h"
 #include "oxTestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 
@@ -39,19 +41,71 @@ public:
     std::function<void()> beforeRender;
 };
 
-class RenderJobTest : public oxTest {
+/// The plug-in's module on the example scene, rendering with the host's raytracer through a
+/// counting hook. The module is made by load(), in a host main window when asked for.
+class oxModuleTest : public oxTest {
 protected:
     void SetUp() override
     {
         oxRenderParameter::resetToDefaults();
         oxOSGWidget::resetToDefaults();
+        oxDialogResponder::clear();
         auto scene = std::make_unique<oxScene>();
         std::string error;
         ASSERT_TRUE(oxExampleScene::build(*scene, error)) << error;
         previousScene = oxScene::replaceCurrent(std::move(scene));
+        previousSource = oxImageSource::current();
         oxImageSource::setCurrent(&source);
+    }
+
+    void TearDown() override
+    {
+        EXPECT_EQ(oxDialogResponder::pendingAnswers(), 0) << "an answer was not asked for";
         oxDialogResponder::clear();
+        oxCallTrace::setEnabled(false);
+        oxCallTrace::clear();
+        unloadModule();
+        mainWindow.reset();
+        oxImageSource::setCurrent(previousSource);
+        if (previousScene)
+            oxScene::replaceCurrent(std::move(previousScene));
+        oxRenderParameter::resetToDefaults();
+        oxOSGWidget::resetToDefaults();
+        oxTest::TearDown();
+    }
+
+    void load(bool withMainWindow)
+    {
+        if (withMainWindow)
+            mainWindow = std::make_unique<oxMainWindow>();
         module = std::make_unique<oxMovieExport>();
+    }
+    void unloadModule()
+    {
+        testing::internal::CaptureStdout(); // the module says goodbye on standard output
+        module.reset();
+        testing::internal::GetCapturedStdout();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
+
+    oxTempDir dir;
+    oxHookedRaytracerSource source;
+    std::unique_ptr<oxMainWindow> mainWindow;
+    std::unique_ptr<oxMovieExport> module;
+
+private:
+    oxImageSource* previousSource = nullptr;
+    std::unique_ptr<oxScene> previousScene;
+};
+
+/// A render job's module without a main window, writing small images into the folder.
+class RenderJobTest : public oxModuleTest {
+protected:
+    void SetUp() override
+    {
+        oxModuleTest::SetUp();
+        load(false);
         module->getImageWriter()->setNoProgress(true);
         oxRenderSettingsPreset& preset = current();
         preset = oxRenderSettingsPreset();
@@ -61,22 +115,6 @@ protected:
         preset.ppi = 72.0f;
     }
 
-    void TearDown() override
-    {
-        EXPECT_EQ(oxDialogResponder::pendingAnswers(), 0) << "an answer was not asked for";
-        oxDialogResponder::clear();
-        testing::internal::CaptureStdout();
-        module.reset();
-        testing::internal::GetCapturedStdout();
-        oxImageSource::setCurrent(nullptr);
-        oxScene::replaceCurrent(std::move(previousScene));
-        oxRenderParameter::resetToDefaults();
-        oxCallTrace::setEnabled(false);
-        oxCallTrace::clear();
-        oxTest::TearDown();
-    }
-
-    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
     oxRenderSettingsPreset& current() const { return window()->getCurrentPreset(); }
     /// A frozen copy of the window's settings.
     oxRenderSettingsPresetSPtr record() const
@@ -116,9 +154,4 @@ protected:
         names.sort();
         return names;
     }
-
-    oxTempDir dir;
-    oxHookedRaytracerSource source;
-    std::unique_ptr<oxScene> previousScene;
-    std::unique_ptr<oxMovieExport> module;
 };
