@@ -11,7 +11,7 @@
 #include "oxRenderSettingsForm.h"
 
 #include "oxQtPrinters.h"
-#include "oxTestSupport.h"
+#include "oxModuleTest.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -29,36 +29,24 @@
 namespace {
 
 // A module made and unloaded inside one test, in a host main window of its own.
-class WindowTest : public oxTest {
+class WindowTest : public oxModuleTest {
 protected:
-    void SetUp() override { mainWindow = std::make_unique<oxMainWindow>(); }
+    void SetUp() override
+    {
+        oxModuleTest::SetUp();
+        mainWindow = std::make_unique<oxMainWindow>();
+    }
     void TearDown() override
     {
         unload();
-        mainWindow.reset();
-        oxTest::TearDown();
-    }
-
-    oxMovieExport* load()
-    {
-        module = std::make_unique<oxMovieExport>();
-        return module.get();
+        oxModuleTest::TearDown();
     }
     void unload()
     {
-        if (!module)
-            return;
-        testing::internal::CaptureStdout();
-        module.reset();
-        const std::string out = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(out, "oxMovieExport::~oxMovieExport\n");
-        // Docks of deleted windows go at the next turn of the event loop.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        if (module) {
+            EXPECT_EQ(unloadModule(), "oxMovieExport::~oxMovieExport\n");
+        }
     }
-    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
-
-    std::unique_ptr<oxMainWindow> mainWindow;
-    std::unique_ptr<oxMovieExport> module;
 };
 
 QStringList actionTexts(const QMenu* menu)
