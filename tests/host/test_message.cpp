@@ -21,29 +21,6 @@ std::string wrongTypeComplaint(const char* name, const std::type_info& is,
 
 } // namespace
 
-TEST(oxMessage, TypedGetGivesBackStoredValues)
-{
-    oxMessage message(7);
-    message.set("count", 3);
-    message.set("ratio", 0.25f);
-    message.set("name", std::string("key light"));
-    message.set("samples", std::vector<int>{1, 2, 3});
-
-    int count = 0;
-    float ratio = 0;
-    std::string name;
-    std::vector<int> samples;
-    EXPECT_TRUE(message.get("count", count));
-    EXPECT_TRUE(message.get("ratio", ratio));
-    EXPECT_TRUE(message.get("name", name));
-    EXPECT_TRUE(message.get("samples", samples));
-    EXPECT_EQ(count, 3);
-    EXPECT_EQ(ratio, 0.25f);
-    EXPECT_EQ(name, "key light");
-    EXPECT_EQ(samples, (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(message.id(), 7u);
-}
-
 TEST(oxMessage, MissingNameIsSilentAndGivesEmptyAny)
 {
     oxMessage message;

@@ -1,9 +1,7 @@
 #include "oxExampleScene.h"
 #include "oxFile.h"
-#include "oxImageRenderWidget.h"
-#include "oxImageWriter.h"
+#include "oxImageWriterTest.h"
 #include "oxOSGImage.h"
-#include "oxPatternSource.h"
 #include "oxRaytracerSource.h"
 #include "oxRenderParameter.h"
 #include "oxScene.h"
@@ -76,63 +74,31 @@ float patternError(const ReadBack& image, unsigned pass, int frame, int channels
     return worst;
 }
 
-class ImageExport : public oxTest {
-protected:
-    void SetUp() override
-    {
-        oxImageRenderWidget::setActiveRenderPasses({});
-        writer.setNoOverwriteMessage(true);
-        writer.setNoProgress(true);
-    }
-    void TearDown() override
-    {
-        oxImageRenderWidget::setActiveRenderPasses({});
-        oxTest::TearDown();
-    }
-    void activate(const std::vector<unsigned>& ids)
-    {
-        std::vector<bool> flags(oxImagePasses::count, false);
-        for (unsigned id : ids)
-            flags[id] = true;
-        oxImageRenderWidget::setActiveRenderPasses(flags);
-    }
-
-    oxTempDir dir;
-    oxImageWriter writer;
-};
+using ImageExport = oxImageWriterTest;
 
 } // namespace
 
-TEST_F(ImageExport, WithoutARendererFailsClearly)
+TEST_F(ImageExport, RefusedExportsSayWhyAndRenderAndWriteNothing)
 {
-    const std::string path = dir.file("a.png");
-    expectLog(oxLog::Error, "Image writer: can't render '" + path + "': no renderer is available.");
+    const std::string bad = dir.file("a.xyz");
+    const std::string png = dir.file("a.png");
+    expectLog(oxLog::Error,
+              "Image writer: can't write '" + bad + "': the format 'xyz' is not supported.");
+    EXPECT_FALSE(still(bad));
+    expectLog(oxLog::Error, "Image writer: can't render '" + png + "': the size 0x8 is not valid.");
+    EXPECT_FALSE(still(png, 0, 8));
+    EXPECT_TRUE(source.requests.empty());
+
+    oxImageSource::setCurrent(nullptr);
+    expectLog(oxLog::Error, "Image writer: can't render '" + png + "': no renderer is available.");
     osg_image_file_handler_errno = 0;
-    EXPECT_FALSE(writer.exportImage(QString::fromStdString(path), 8, 8, 0, 1, 72.0f, false, "",
-                                    false, false));
+    EXPECT_FALSE(still(png));
     EXPECT_NE(osg_image_file_handler_errno, 0);
     EXPECT_TRUE(filesIn(dir.path()).empty());
 }
 
-TEST_F(ImageExport, UnknownFormatAndBadSizeAreRefused)
-{
-    oxPatternSource source;
-    const std::string bad = dir.file("a.xyz");
-    expectLog(oxLog::Error,
-              "Image writer: can't write '" + bad + "': the format 'xyz' is not supported.");
-    EXPECT_FALSE(writer.exportImage(QString::fromStdString(bad), 8, 8, 0, 1, 72.0f, false, "",
-                                    false, false));
-    const std::string empty = dir.file("a.png");
-    expectLog(oxLog::Error,
-              "Image writer: can't render '" + empty + "': the size 0x8 is not valid.");
-    EXPECT_FALSE(writer.exportImage(QString::fromStdString(empty), 0, 8, 0, 1, 72.0f, false, "",
-                                    false, false));
-    EXPECT_TRUE(source.requests.empty());
-}
-
 TEST_F(ImageExport, EveryWritableFormatRoundTripsPixelsAndAlpha)
 {
-    oxPatternSource source;
     const std::set<std::string> lossy = {"jpeg", "webp", "heif", "gif", "jpeg2000"};
     const std::set<std::string> formats = oxImageWriter::getFormatsOpenSG();
     ASSERT_TRUE(formats.count("png") && formats.count("exr") && formats.count("tif") &&
@@ -142,9 +108,7 @@ TEST_F(ImageExport, EveryWritableFormatRoundTripsPixelsAndAlpha)
     std::set<std::string> tested;
     for (const std::string& extension : formats) {
         const std::string path = dir.file("rt." + extension);
-        ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 64, 48, 0, 1, 72.0f, false, "",
-                                       false, false))
-            << extension;
+        ASSERT_TRUE(still(path, 64, 48)) << extension;
         auto in = ImageInput::open(path);
         ASSERT_TRUE(in) << extension;
         const std::string format = in->format_name();
@@ -181,12 +145,9 @@ TEST_F(ImageExport, EveryWritableFormatRoundTripsPixelsAndAlpha)
 
 TEST_F(ImageExport, ChannelsAndSampleFormatsFollowTheSwitches)
 {
-    oxPatternSource source;
     auto write = [&](const std::string& name, int alpha) {
         const std::string path = dir.file(name);
-        EXPECT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, alpha, 72.0f, false,
-                                       "", false, false))
-            << name;
+        EXPECT_TRUE(still(path, 16, 8, alpha)) << name;
         return readImage(path);
     };
     EXPECT_EQ(write("opaque.png", 0).spec.nchannels, 3);
@@ -212,12 +173,10 @@ TEST_F(ImageExport, ChannelsAndSampleFormatsFollowTheSwitches)
 
 TEST_F(ImageExport, MultiLayerExrHasAChannelSetPerPass)
 {
-    oxPatternSource source;
     activate({0, 31, 34});
     writer.setExportMultiLayer(true);
     const std::string path = dir.file("layers.exr");
-    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, true, "",
-                                   false, false));
+    ASSERT_TRUE(still(path, 16, 8, 1, true));
     EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"layers.exr"});
     const ReadBack image = readImage(path);
     ASSERT_TRUE(image.ok);
@@ -247,12 +206,10 @@ TEST_F(ImageExport, MultiLayerExrHasAChannelSetPerPass)
 
 TEST_F(ImageExport, MultiLayerTiffHasASubimagePerPass)
 {
-    oxPatternSource source;
     activate({0, 32});
     writer.setExportMultiLayer(true);
     const std::string path = dir.file("layers.tif");
-    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, true, "",
-                                   false, false));
+    ASSERT_TRUE(still(path, 16, 8, 1, true));
     const ReadBack first = readImage(path, 0);
     const ReadBack second = readImage(path, 1);
     ASSERT_TRUE(first.ok && second.ok);
@@ -262,7 +219,6 @@ TEST_F(ImageExport, MultiLayerTiffHasASubimagePerPass)
 
 TEST_F(ImageExport, NamesReturnedAreTheFilesWritten)
 {
-    oxPatternSource source;
     int round = 0;
     for (bool passes : {false, true})
         for (bool multiLayer : {false, true})
@@ -298,7 +254,6 @@ TEST_F(ImageExport, NamesReturnedAreTheFilesWritten)
 
 TEST_F(ImageExport, SequencesRenderEachFrame)
 {
-    oxPatternSource source;
     const std::string path = dir.file("seq.png");
     ASSERT_TRUE(writer.exportImages(QString::fromStdString(path), 8, 4, 25, 3, 7, 3, 1, false, 42,
                                     "", 2, false));
@@ -313,7 +268,6 @@ TEST_F(ImageExport, SequencesRenderEachFrame)
 
 TEST_F(ImageExport, CancelInASequenceLeavesOnlyCompleteFiles)
 {
-    oxPatternSource source;
     source.beforeRender = [this](const oxRenderRequest& request) {
         if (request.frame == 3)
             writer.cancel();
@@ -342,8 +296,7 @@ TEST_F(ImageExport, CancelInASequenceLeavesOnlyCompleteFiles)
     EXPECT_TRUE(writer.wasExportCanceled());
     EXPECT_TRUE(filesIn(second.path()).empty());
     source.beforeRender = nullptr;
-    EXPECT_TRUE(writer.exportImage(QString::fromStdString(second.file("ok.png")), 4, 4, 0, 1, 72.0f,
-                                   false, "", false, false));
+    EXPECT_TRUE(still(second.file("ok.png"), 4, 4));
     EXPECT_FALSE(writer.wasExportCanceled());
 }
 
@@ -417,54 +370,41 @@ TEST_F(ImageExport, ACancelDuringAnImageLeavesOnlyCompleteFiles)
     oxScene::replaceCurrent(std::move(previous));
 }
 
-TEST_F(ImageExport, AFailedRenderLeavesNoFile)
+// A failed render leaves no file of its own and keeps an old one; a bad folder is reported.
+TEST_F(ImageExport, AFailedExportLeavesNoNewFileAndKeepsTheOldOne)
 {
-    oxPatternSource source;
     source.beforeRender = [](const oxRenderRequest& request) { return request.frame != 2; };
-    const std::string path = dir.file("f.png");
     expectLog(oxLog::Error,
               "Image writer: rendering '" + dir.file("f.0002.png") + "' failed: test failure.");
-    EXPECT_FALSE(writer.exportImages(QString::fromStdString(path), 8, 4, 25, 1, 3, 0, 1, false, -1,
-                                     "", 1, false));
+    EXPECT_FALSE(writer.exportImages(QString::fromStdString(dir.file("f.png")), 8, 4, 25, 1, 3, 0,
+                                     1, false, -1, "", 1, false));
     EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"f.0001.png"});
-}
 
-TEST_F(ImageExport, AFailedExportKeepsTheOldFileAndABadFolderIsReported)
-{
-    oxPatternSource source;
     const std::string path = dir.file("keep.png");
     ASSERT_TRUE(oxFile::writeAtomically(path, "old"));
     source.beforeRender = [](const oxRenderRequest&) { return false; };
     expectLog(oxLog::Error, "Image writer: rendering '" + path + "' failed: test failure.");
-    EXPECT_FALSE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
-                                    false, false));
-    std::string data;
-    ASSERT_TRUE(oxFile::readAll(path, data));
-    EXPECT_EQ(data, "old");
-    EXPECT_EQ(filesIn(dir.path()), std::set<std::string>{"keep.png"});
+    EXPECT_FALSE(still(path, 4, 4));
+    EXPECT_EQ(oxReadFile(path), "old");
+    EXPECT_EQ(filesIn(dir.path()), (std::set<std::string>{"f.0001.png", "keep.png"}));
 
     const std::string inFile = path + "/sub/x.png";
     expectLog(oxLog::Error,
               "Image writer: can't create the folder '" + path + "/sub' for '" + inFile + "'.");
-    EXPECT_FALSE(writer.exportImage(QString::fromStdString(inFile), 4, 4, 0, 1, 72.0f, false, "",
-                                    false, false));
+    EXPECT_FALSE(still(inFile, 4, 4));
 }
 
 TEST_F(ImageExport, ExistingFilesAreOverwrittenHeadlessWithALogLine)
 {
-    oxPatternSource source;
     const std::string path = dir.file("o.png");
-    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
-                                   false, false));
+    ASSERT_TRUE(still(path, 4, 4));
     writer.setNoOverwriteMessage(false);
     expectLog(oxLog::Info, "Image writer: overwriting '" + path + "'.");
-    ASSERT_TRUE(writer.exportImage(QString::fromStdString(path), 4, 4, 0, 1, 72.0f, false, "",
-                                   false, false));
+    ASSERT_TRUE(still(path, 4, 4));
 }
 
 TEST_F(ImageExport, MovieHasTheFramesAndRate)
 {
-    oxPatternSource source;
     const std::string path = dir.file("movie.avi");
     ASSERT_TRUE(writer.exportAVI(QString::fromStdString(path), 64, 48, 12, 1, 10, 0, -1, "", true));
     const oxProcessResult probe =
@@ -479,7 +419,6 @@ TEST_F(ImageExport, MovieHasTheFramesAndRate)
 
 TEST_F(ImageExport, FastSnapshots)
 {
-    oxPatternSource source;
     const std::string path = dir.file("fast.png");
     expectLog(oxLog::Error, "Image writer: can't write '" + path +
                                 "': fast snapshots were not initialised (exportImageFastInit).");
@@ -498,7 +437,6 @@ TEST_F(ImageExport, FastSnapshots)
 
 TEST_F(ImageExport, HeadlessProgressIsOnePlainLinePerImage)
 {
-    oxPatternSource source;
     writer.setNoProgress(false);
     const std::string path = dir.file("p.png");
     testing::internal::CaptureStderr();

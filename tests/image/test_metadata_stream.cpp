@@ -1,11 +1,7 @@
 #include "oxFile.h"
-#include "oxImageOutStream.h"
-#include "oxImageRenderWidget.h"
-#include "oxImageWriter.h"
+#include "oxImageWriterTest.h"
 #include "oxMessage.h"
-#include "oxPatternSource.h"
 #include "oxPreferences.h"
-#include "oxTestSupport.h"
 
 #include <OpenImageIO/imageio.h>
 #include <lcms2.h>
@@ -24,105 +20,6 @@ std::unique_ptr<ImageInput> openImage(const std::string& path)
     config.attribute("oiio:UnassociatedAlpha", 1);
     return ImageInput::open(path, &config);
 }
-
-class ImageMetaData : public oxTest {
-protected:
-    void SetUp() override
-    {
-        savedMap = oxImageMetaData::getRenderSettingsXMPToMsgMap();
-        oxImageMetaData::getRenderSettingsXMPToMsgMap() = {{"pixelWidth", "ImageExport floatwidth"},
-                                                           {"animationFps", "MovieExport fps"}};
-        writer.setNoOverwriteMessage(true);
-        writer.setNoProgress(true);
-    }
-    void TearDown() override
-    {
-        oxImageMetaData::getRenderSettingsXMPToMsgMap() = savedMap;
-        oxImageOutStream::resetImageWriteFunctions();
-        oxImageOutStream::close();
-        oxImageRenderWidget::setActiveRenderPasses({});
-        oxTest::TearDown();
-    }
-    bool exportTo(const std::string& path)
-    {
-        return writer.exportImage(QString::fromStdString(path), 16, 8, 0, 1, 72.0f, false, "",
-                                  false, false);
-    }
-
-    std::map<std::string, std::string> savedMap;
-    oxPatternSource source;
-    oxTempDir dir;
-    oxImageWriter writer;
-};
-
-} // namespace
-
-TEST_F(ImageMetaData, XMPIsEmbeddedInPngJpegTiffAndExr)
-{
-    oxImageMetaData* meta = writer.getMetaData();
-    meta->setFileOutputImageSettings(1920, 1080, 300, 3, false, true, false, 1, 1, 1, 1, 9);
-    meta->setFileOutputAnimationSettings(true, 0, 0, "clip", 1, 9, 1, 30, false);
-    oxMessage passes;
-    passes.set("MovieExport beauty pass", true);
-    meta->setFileOutputRenderPasses(passes);
-    writer.setMetaDataFlags(oxImageMetaData::FILEOUTPUT_IMAGE_SETTINGS |
-                            oxImageMetaData::FILEOUTPUT_RENDERPASSES_SETTINGS |
-                            oxImageMetaData::CAMERA_SETTINGS);
-    for (const char* extension : {"png", "jpg", "tif", "exr"}) {
-        const std::string path = dir.file(std::string("meta.") + extension);
-        ASSERT_TRUE(exportTo(path)) << extension;
-        auto in = openImage(path);
-        ASSERT_TRUE(in) << extension; // the file stays valid with its packet
-        std::vector<float> pixels(16 * 8 * size_t(in->spec().nchannels));
-        EXPECT_TRUE(in->read_image(0, 0, 0, in->spec().nchannels, TypeDesc::FLOAT, pixels.data()))
-            << extension;
-        const std::string packet = std::string(extension) == "exr"
-                                       ? std::string(in->spec().get_string_attribute("xmp"))
-                                       : oxReadFile(path);
-        EXPECT_NE(packet.find("<ox:pixelWidth>1920</ox:pixelWidth>"), std::string::npos)
-            << extension;
-        EXPECT_NE(packet.find("<rdf:li>MovieExport beauty pass=true</rdf:li>"), std::string::npos)
-            << extension;
-        EXPECT_NE(packet.find("<rdf:li>fov=45</rdf:li>"), std::string::npos) << extension;
-        // The animation group was not selected.
-        EXPECT_EQ(packet.find("animationFps"), std::string::npos) << extension;
-    }
-    writer.setMetaDataFlags(0);
-    ASSERT_TRUE(exportTo(dir.file("plain.png")));
-    EXPECT_EQ(oxReadFile(dir.file("plain.png")).find("xmpmeta"), std::string::npos);
-}
-
-TEST_F(ImageMetaData, ICCProfilesAreEmbeddedWhereTheFormatHoldsThem)
-{
-    const std::string srgb = oxImageWriter::iccProfileData(1);
-    const std::string adobe = oxImageWriter::iccProfileData(2);
-    ASSERT_GT(srgb.size(), 128u);
-    ASSERT_GT(adobe.size(), 128u);
-    EXPECT_NE(srgb, adobe);
-    EXPECT_EQ(srgb.substr(36, 4), "acsp"); // the profile file signature
-    EXPECT_TRUE(oxImageWriter::iccProfileData(0).empty());
-
-    for (int profile : {1, 2}) {
-        writer.setICCProfile(profile);
-        for (const char* extension : {"png", "jpg", "tif"}) {
-            const std::string path = dir.file(std::string("icc.") + extension);
-            ASSERT_TRUE(exportTo(path)) << extension;
-            auto in = openImage(path);
-            ASSERT_TRUE(in);
-            const ParamValue* icc = in->spec().find_attribute("ICCProfile");
-            ASSERT_TRUE(icc) << extension;
-            const std::string& expected = profile == 1 ? srgb : adobe;
-            const std::string stored(static_cast<const char*>(icc->data()),
-                                     icc->type().size() * size_t(icc->nvalues()));
-            EXPECT_TRUE(stored == expected) << extension << " profile " << profile;
-        }
-    }
-    writer.setICCProfile(0);
-    ASSERT_TRUE(exportTo(dir.file("none.png")));
-    EXPECT_FALSE(openImage(dir.file("none.png"))->spec().find_attribute("ICCProfile"));
-}
-
-namespace {
 
 // Saves an lcms2 profile to path and gives its bytes ("" on failure).
 std::string saveProfile(cmsHPROFILE profile, const std::string& path)
@@ -144,7 +41,84 @@ std::string embeddedProfile(const std::string& path)
                : std::string();
 }
 
+class ImageMetaData : public oxImageWriterTest {
+protected:
+    void SetUp() override
+    {
+        oxImageWriterTest::SetUp();
+        savedMap = oxImageMetaData::getRenderSettingsXMPToMsgMap();
+        oxImageMetaData::getRenderSettingsXMPToMsgMap() = {{"pixelWidth", "ImageExport floatwidth"},
+                                                           {"animationFps", "MovieExport fps"}};
+    }
+    void TearDown() override
+    {
+        oxImageMetaData::getRenderSettingsXMPToMsgMap() = savedMap;
+        oxImageWriterTest::TearDown();
+    }
+
+    std::map<std::string, std::string> savedMap;
+};
+
 } // namespace
+
+TEST_F(ImageMetaData, XMPIsEmbeddedInPngJpegTiffAndExr)
+{
+    oxImageMetaData* meta = writer.getMetaData();
+    meta->setFileOutputImageSettings(1920, 1080, 300, 3, false, true, false, 1, 1, 1, 1, 9);
+    meta->setFileOutputAnimationSettings(true, 0, 0, "clip", 1, 9, 1, 30, false);
+    oxMessage passes;
+    passes.set("MovieExport beauty pass", true);
+    meta->setFileOutputRenderPasses(passes);
+    writer.setMetaDataFlags(oxImageMetaData::FILEOUTPUT_IMAGE_SETTINGS |
+                            oxImageMetaData::FILEOUTPUT_RENDERPASSES_SETTINGS |
+                            oxImageMetaData::CAMERA_SETTINGS);
+    for (const char* extension : {"png", "jpg", "tif", "exr"}) {
+        const std::string path = dir.file(std::string("meta.") + extension);
+        ASSERT_TRUE(still(path)) << extension;
+        auto in = openImage(path);
+        ASSERT_TRUE(in) << extension; // the file stays valid with its packet
+        std::vector<float> pixels(16 * 8 * size_t(in->spec().nchannels));
+        EXPECT_TRUE(in->read_image(0, 0, 0, in->spec().nchannels, TypeDesc::FLOAT, pixels.data()))
+            << extension;
+        const std::string packet = std::string(extension) == "exr"
+                                       ? std::string(in->spec().get_string_attribute("xmp"))
+                                       : oxReadFile(path);
+        EXPECT_NE(packet.find("<ox:pixelWidth>1920</ox:pixelWidth>"), std::string::npos)
+            << extension;
+        EXPECT_NE(packet.find("<rdf:li>MovieExport beauty pass=true</rdf:li>"), std::string::npos)
+            << extension;
+        EXPECT_NE(packet.find("<rdf:li>fov=45</rdf:li>"), std::string::npos) << extension;
+        // The animation group was not selected.
+        EXPECT_EQ(packet.find("animationFps"), std::string::npos) << extension;
+    }
+    writer.setMetaDataFlags(0);
+    ASSERT_TRUE(still(dir.file("plain.png")));
+    EXPECT_EQ(oxReadFile(dir.file("plain.png")).find("xmpmeta"), std::string::npos);
+}
+
+TEST_F(ImageMetaData, ICCProfilesAreEmbeddedWhereTheFormatHoldsThem)
+{
+    const std::string srgb = oxImageWriter::iccProfileData(1);
+    const std::string adobe = oxImageWriter::iccProfileData(2);
+    ASSERT_GT(srgb.size(), 128u);
+    ASSERT_GT(adobe.size(), 128u);
+    EXPECT_NE(srgb, adobe);
+    EXPECT_EQ(srgb.substr(36, 4), "acsp"); // the profile file signature
+    EXPECT_TRUE(oxImageWriter::iccProfileData(0).empty());
+
+    for (int profile : {1, 2}) {
+        writer.setICCProfile(profile);
+        for (const char* extension : {"png", "jpg", "tif"}) {
+            const std::string path = dir.file(std::string("icc.") + extension);
+            ASSERT_TRUE(still(path)) << extension;
+            EXPECT_TRUE(embeddedProfile(path) == (profile == 1 ? srgb : adobe))
+                << extension << " profile " << profile;
+        }
+    }
+    writer.setICCProfile(0);
+    ASSERT_TRUE(still(dir.file("none.png")));
+    EXPECT_TRUE(embeddedProfile(dir.file("none.png")).empty());
+}
 
 // Profiles 3 and 4 embed the files the preferences name; a missing or bad file gives one
 // warning per export and images without a profile.
@@ -172,11 +146,11 @@ TEST_F(ImageMetaData, MonitorAndImageProfilesComeFromThePreferencesFiles)
     writer.setICCProfile(3);
     for (const char* extension : {"png", "jpg", "tif"}) {
         const std::string path = dir.file(std::string("monitor.") + extension);
-        ASSERT_TRUE(exportTo(path)) << extension;
+        ASSERT_TRUE(still(path)) << extension;
         EXPECT_TRUE(embeddedProfile(path) == monitor) << extension;
     }
     writer.setICCProfile(4);
-    ASSERT_TRUE(exportTo(dir.file("image.png")));
+    ASSERT_TRUE(still(dir.file("image.png")));
     EXPECT_TRUE(embeddedProfile(dir.file("image.png")) == image);
 
     // Each bad setting: the warning names the file and the problem; the image has no profile.
@@ -206,7 +180,7 @@ TEST_F(ImageMetaData, MonitorAndImageProfilesComeFromThePreferencesFiles)
     for (const auto& entry : cases) {
         preferences.set(oxImageWriter::imageICCProfileKey, entry.file);
         expectLog(oxLog::Warning, entry.warning);
-        ASSERT_TRUE(exportTo(out)) << entry.file;
+        ASSERT_TRUE(still(out)) << entry.file;
         EXPECT_TRUE(embeddedProfile(out).empty()) << entry.file;
     }
     EXPECT_EQ(log().messages(oxLog::Warning).size(), std::size(cases));
@@ -229,15 +203,15 @@ TEST_F(ImageMetaData, MonitorAndImageProfilesComeFromThePreferencesFiles)
 TEST_F(ImageMetaData, HandlerOptionsReachTheEncoder)
 {
     osg::ImageFileHandler::the().setOptions("image/tiff", "compressionType=LZW");
-    ASSERT_TRUE(exportTo(dir.file("lzw.tif")));
+    ASSERT_TRUE(still(dir.file("lzw.tif")));
     EXPECT_EQ(openImage(dir.file("lzw.tif"))->spec().get_string_attribute("compression"), "lzw");
     osg::ImageFileHandler::the().setOptions("image/tiff", "");
 
     const unsigned saved = osg::PNGImageFileType::the().getQuality();
     osg::PNGImageFileType::the().setQuality(0);
-    ASSERT_TRUE(exportTo(dir.file("raw.png")));
+    ASSERT_TRUE(still(dir.file("raw.png")));
     osg::PNGImageFileType::the().setQuality(9);
-    ASSERT_TRUE(exportTo(dir.file("small.png")));
+    ASSERT_TRUE(still(dir.file("small.png")));
     osg::PNGImageFileType::the().setQuality(saved);
     EXPECT_GT(oxReadFile(dir.file("raw.png")).size(), oxReadFile(dir.file("small.png")).size());
 }
@@ -268,16 +242,12 @@ TEST_F(ImageMetaData, WriteFunctionsReceiveEveryImageAndNoFileIsMade)
             return true;
         });
     EXPECT_TRUE(oxImageWriter::isStreamOutput());
-    std::vector<bool> flags(oxImagePasses::count, false);
-    flags[0] = flags[33] = true;
-    oxImageRenderWidget::setActiveRenderPasses(flags);
+    activate({0, 33});
     const std::string png = dir.file("s.png");
-    ASSERT_TRUE(
-        writer.exportImage(QString::fromStdString(png), 16, 8, 0, 1, 72, true, "", false, false));
+    ASSERT_TRUE(still(png, 16, 8, 1, true));
     writer.setExportMultiLayer(true);
     const std::string exr = dir.file("s.exr");
-    ASSERT_TRUE(
-        writer.exportImage(QString::fromStdString(exr), 16, 8, 0, 1, 72, true, "", false, false));
+    ASSERT_TRUE(still(exr, 16, 8, 1, true));
     EXPECT_EQ(names,
               (std::vector<std::string>{dir.file("s.beauty.png"), dir.file("s.depth.png"), exr}));
     EXPECT_EQ(layerCounts, (std::vector<size_t>{1, 1, 2}));

@@ -3,55 +3,23 @@
 // The output tests run the real module on the example scene, rendering through the host's
 // raytracer into a temporary folder at a small image size.
 
-#include "oxCallTrace.h"
 #include "oxController.h"
-#include "oxDialogResponder.h"
-#include "oxExampleScene.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
 #include "oxMessage.h"
-#include "oxMovieExport.h"
-#include "oxOSGWidget.h"
+#include "oxModuleTest.h"
 #include "oxRaytracer.h"
-#include "oxRaytracerSource.h"
-#include "oxRenderParameter.h"
-#include "oxRenderSettings.h"
-#include "oxScene.h"
-#include "oxTestSupport.h"
 
 #include <QDir>
 #include <QDirIterator>
 
-#include <functional>
-#include <memory>
-
-/// The host's raytracer, counting its images, with a hook that runs before each.
-class oxHookedRaytracerSource : public oxImageSource {
-public:
-    bool render(const oxRenderRequest& request, oxRenderedImage& image, std::string& error) override
-    {
-        ++renders;
-        if (beforeRender)
-            beforeRender();
-        return oxRaytracerSource::the().render(request, image, error);
-    }
-    int renders = 0;
-    std::function<void()> beforeRender;
-};
-
-class RenderJobTest : public oxTest {
+/// A render job's module without a main window, writing small images into the folder.
+class RenderJobTest : public oxModuleTest {
 protected:
     void SetUp() override
     {
-        oxRenderParameter::resetToDefaults();
-        oxOSGWidget::resetToDefaults();
-        auto scene = std::make_unique<oxScene>();
-        std::string error;
-        ASSERT_TRUE(oxExampleScene::build(*scene, error)) << error;
-        previousScene = oxScene::replaceCurrent(std::move(scene));
-        oxImageSource::setCurrent(&source);
-        oxDialogResponder::clear();
-        module = std::make_unique<oxMovieExport>();
+        oxModuleTest::SetUp();
+        load(false);
         module->getImageWriter()->setNoProgress(true);
         oxRenderSettingsPreset& preset = current();
         preset = oxRenderSettingsPreset();
@@ -61,22 +29,6 @@ protected:
         preset.ppi = 72.0f;
     }
 
-    void TearDown() override
-    {
-        EXPECT_EQ(oxDialogResponder::pendingAnswers(), 0) << "an answer was not asked for";
-        oxDialogResponder::clear();
-        testing::internal::CaptureStdout();
-        module.reset();
-        testing::internal::GetCapturedStdout();
-        oxImageSource::setCurrent(nullptr);
-        oxScene::replaceCurrent(std::move(previousScene));
-        oxRenderParameter::resetToDefaults();
-        oxCallTrace::setEnabled(false);
-        oxCallTrace::clear();
-        oxTest::TearDown();
-    }
-
-    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
     oxRenderSettingsPreset& current() const { return window()->getCurrentPreset(); }
     /// A frozen copy of the window's settings.
     oxRenderSettingsPresetSPtr record() const
@@ -116,9 +68,4 @@ protected:
         names.sort();
         return names;
     }
-
-    oxTempDir dir;
-    oxHookedRaytracerSource source;
-    std::unique_ptr<oxScene> previousScene;
-    std::unique_ptr<oxMovieExport> module;
 };

@@ -10,7 +10,7 @@
 #include "oxMovieExport.h"
 #include "oxRenderQueue.h"
 #include "oxRenderSettings.h"
-#include "oxTestSupport.h"
+#include "oxOutputTestSupport.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -20,29 +20,25 @@
 #include <vector>
 
 /// A host with a main window, the render queue module and the cluster manager, and the
-/// plug-in's module on top. Records the senders of every render notice.
-class oxQueueTest : public oxTest {
+/// plug-in's module on top, on the example scene. Records the senders of every render notice.
+class oxQueueTest : public oxModuleTest {
 protected:
     void SetUp() override
     {
+        oxModuleTest::SetUp();
         oxFileIO::clearProject();
-        oxDialogResponder::clear();
         senders().clear();
         oxController::addCB("oxRenderSettings::render", recordSender);
         oxKernelServiceFactory::the()->registerService(&cluster);
     }
     void TearDown() override
     {
-        module.reset();
+        unloadModule();
         queue.reset();
-        mainWindow.reset();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         oxKernelServiceFactory::the()->unregisterService<oxClusterManagerService>();
         oxController::subCB("oxRenderSettings::render", recordSender);
-        EXPECT_EQ(oxDialogResponder::pendingAnswers(), 0) << "a queued answer was not used";
-        oxDialogResponder::clear();
         oxFileIO::clearProject();
-        oxTest::TearDown();
+        oxModuleTest::TearDown();
     }
 
     /// Starts the host; with dockQueue false the queue exists but has no dock window.
@@ -53,9 +49,8 @@ protected:
         mainWindow = std::make_unique<oxMainWindow>();
         if (dockQueue)
             queue = std::make_unique<oxRenderQueue>();
-        module = std::make_unique<oxMovieExport>();
+        load(false);
     }
-    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
 
     static std::vector<std::string>& senders()
     {
@@ -64,9 +59,7 @@ protected:
     }
 
     oxClusterManagerService cluster;
-    std::unique_ptr<oxMainWindow> mainWindow;
     std::unique_ptr<oxRenderQueue> queue;
-    std::unique_ptr<oxMovieExport> module;
 
 private:
     static void recordSender(oxMessage& message)

@@ -379,15 +379,20 @@ TEST_F(oxRaytracerTest, SourceRendersTheCurrentSceneWithTheStoreSettings)
 
 const std::string kOxlin = std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin";
 
-TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImage)
+// The program's --snapshot writes the image, and refuses unknown views and passes.
+TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImageOrRefusesAndWritesNothing)
 {
     oxTempDir dir;
-    const std::string out = dir.file("view.png");
+    auto snapshot = [&](const std::string& out, std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(),
+                         {"--no-gui", "--prefs-dir", dir.file("prefs"), "--snapshot", out});
+        return oxRunProcess(kOxlin, arguments);
+    };
+    const std::string view = dir.file("view.png");
     oxProcessResult result =
-        oxRunProcess(kOxlin, {"--no-gui", "--prefs-dir", dir.file("prefs"), "--snapshot", out,
-                              "--size", "40x30", "--samples", "2", "--view", "Side"});
+        snapshot(view, {"--size", "40x30", "--samples", "2", "--view", "Side"});
     ASSERT_EQ(result.exitCode, 0) << result.err;
-    auto input = OIIO::ImageInput::open(out);
+    auto input = OIIO::ImageInput::open(view);
     ASSERT_TRUE(input);
     EXPECT_EQ(input->spec().width, 40);
     EXPECT_EQ(input->spec().height, 30);
@@ -397,28 +402,24 @@ TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImage)
     ASSERT_TRUE(input->read_image(0, 0, 0, int(channels), OIIO::TypeDesc::FLOAT, pixels.data()));
     EXPECT_EQ(pixels[0], 1.0f);
     EXPECT_LT(pixels[(29 * 40 + 1) * channels], 1.0f);
-}
 
-TEST_F(oxRaytracerTest, SnapshotCommandRefusesUnknownViewsAndPassesAndWritesNothing)
-{
-    oxTempDir dir;
-    auto snapshot = [&](std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"--no-gui", "--prefs-dir", dir.file("prefs"),
-                                             "--snapshot", dir.file("x.png")});
-        return oxRunProcess(kOxlin, arguments);
+    const std::string refused = dir.file("x.png");
+    const struct {
+        std::vector<std::string> arguments;
+        int exitCode;
+        std::string error;
+    } cases[] = {
+        {{"--view", "Nowhere"}, 1, "no camera or viewpoint named 'Nowhere'"},
+        {{"--passes", "beauty,glitter"}, 2, "unknown render pass 'glitter'"},
+        // A known pass that this host doesn't render yet fails the snapshot.
+        {{"--passes", "diffuse_ibl"}, 1, "'diffuse_ibl'"},
     };
-    oxProcessResult result = snapshot({"--view", "Nowhere"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("no camera or viewpoint named 'Nowhere'"), std::string::npos)
-        << result.err;
-    result = snapshot({"--passes", "beauty,glitter"});
-    EXPECT_EQ(result.exitCode, 2);
-    EXPECT_NE(result.err.find("unknown render pass 'glitter'"), std::string::npos) << result.err;
-    // A known pass that this host doesn't render yet fails the snapshot.
-    result = snapshot({"--passes", "diffuse_ibl"});
-    EXPECT_EQ(result.exitCode, 1);
-    EXPECT_NE(result.err.find("'diffuse_ibl'"), std::string::npos) << result.err;
-    EXPECT_FALSE(oxFile::exists(dir.file("x.png")));
+    for (const auto& c : cases) {
+        result = snapshot(refused, c.arguments);
+        EXPECT_EQ(result.exitCode, c.exitCode) << c.error;
+        EXPECT_NE(result.err.find(c.error), std::string::npos) << result.err;
+    }
+    EXPECT_FALSE(oxFile::exists(refused));
     EXPECT_FALSE(oxFile::exists(dir.file("x.diffuse_ibl.png")));
 }
 

@@ -22,10 +22,12 @@ TEST(OxlinScene, WriteExampleThenListIt)
         oxRunProcess(kOxlin, {"--no-gui", dir.file("showroom.oxp"), "--list-scene"});
     ASSERT_EQ(listed.exitCode, 0) << listed.err;
     for (const char* text :
-         {"camera track Turntable (8 viewpoints)", "viewpoint Rear Three-Quarter",
-          "Product Spin frames 0-100", "  Paint\n    Paint Red\n",
-          "  Rims\n    Rims Sport\n    Rims Classic\n",
-          "Ungrouped variant sets:\n  Floor Hidden\n"})
+         {"  Perspective (default) (active)\n", "    camera track Turntable (8 viewpoints)\n",
+          "      viewpoint Turntable 8\n", "viewpoint Rear Three-Quarter",
+          "  Product Spin frames 0-100\n",
+          "  Paint\n    Paint Red\n    Paint Blue\n    Paint Silver\n",
+          "  Rims\n    Rims Sport\n    Rims Classic\n", "Ungrouped variant sets:\n  Floor Hidden\n",
+          "  Hero Shot\n", "  Sun (directional, value 3)\n", "Environment: Sky\n"})
         EXPECT_NE(listed.out.find(text), std::string::npos) << text << "\nin\n" << listed.out;
 
     // Without a file the built-in scene is the same showroom.

@@ -10,7 +10,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <set>
 
 namespace {
 
@@ -95,19 +94,6 @@ private:
     std::string m_oldPreferencesDir;
 };
 
-TEST_F(PresetFileTest, ColumnTableHasEveryColumnOnce)
-{
-    const std::vector<oxPresetColumn>& columns = oxPresetColumns();
-    ASSERT_EQ(columns.size(), 149u);
-    std::set<std::string> names;
-    for (const oxPresetColumn& c : columns)
-        EXPECT_TRUE(names.insert(c.attribute).second) << "twice: " << c.attribute;
-
-    EXPECT_STREQ(columns.front().attribute, "name");
-    EXPECT_EQ(columns.front().fallback, oxPresetColumnFallback::Required);
-    EXPECT_STREQ(columns.back().attribute, "metaDataFlags");
-}
-
 TEST_F(PresetFileTest, EveryFieldButTheDerivedOnesHasExactlyOneColumn)
 {
     // A field set alone must change exactly one column of the written message.
@@ -183,7 +169,8 @@ TEST_F(PresetFileTest, EmptyListAndNullEntries)
 {
     const oxMessage empty = writePresetsToMessage({});
     EXPECT_EQ(empty.getAttibute(kPresetVersionAttribute), "1");
-    EXPECT_EQ(empty.getMap().size(), 150u); // the count and 149 columns
+    EXPECT_EQ(oxPresetColumns().size(), 149u);
+    EXPECT_EQ(empty.getMap().size(), 150u); // the count and 149 columns, each once
     EXPECT_EQ(boost::any_cast<unsigned int>(empty.get(kPresetCountAttribute)), 0u);
     for (const oxPresetColumn& c : oxPresetColumns())
         EXPECT_FALSE(empty.get(c.attribute).empty()) << c.attribute;
@@ -323,6 +310,13 @@ TEST_F(PresetFileTest, PreferencesFolderPrefersTheCurrentFileOverTheLegacyOne)
         preset->name = name;
         return oxRenderSettingsPresets{preset};
     };
+    // Neither file: an empty list, and no file is made.
+    testing::internal::CaptureStdout();
+    EXPECT_TRUE(readPresetFile().empty());
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(ownMessages(oxLog::Error).empty());
+    EXPECT_FALSE(oxFile::exists(prefsFile(kPresetFileName)));
+
     ASSERT_TRUE(writePresetFile(prefsFile(kLegacyPresetFileName), named("legacy")));
     testing::internal::CaptureStdout();
     oxRenderSettingsPresets read = readPresetFile();
@@ -339,15 +333,6 @@ TEST_F(PresetFileTest, PreferencesFolderPrefersTheCurrentFileOverTheLegacyOne)
     ASSERT_EQ(read.size(), 1u);
     EXPECT_EQ(read[0]->name, "current");
     expectLog(oxLog::Info, "Loaded version of rendersettings presets: 1");
-}
-
-TEST_F(PresetFileTest, NeitherFileGivesAnEmptyList)
-{
-    testing::internal::CaptureStdout();
-    EXPECT_TRUE(readPresetFile().empty());
-    testing::internal::GetCapturedStdout();
-    EXPECT_TRUE(ownMessages(oxLog::Error).empty());
-    EXPECT_FALSE(oxFile::exists(prefsFile(kPresetFileName)));
 }
 
 TEST_F(PresetFileTest, NewerFileBlocksSavingUntilAnOlderTextIsRead)

@@ -11,7 +11,7 @@
 #include "oxRenderSettingsForm.h"
 
 #include "oxQtPrinters.h"
-#include "oxTestSupport.h"
+#include "oxModuleTest.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -24,40 +24,29 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 namespace {
 
 // A module made and unloaded inside one test, in a host main window of its own.
-class WindowTest : public oxTest {
+class WindowTest : public oxModuleTest {
 protected:
-    void SetUp() override { mainWindow = std::make_unique<oxMainWindow>(); }
+    void SetUp() override
+    {
+        oxModuleTest::SetUp();
+        mainWindow = std::make_unique<oxMainWindow>();
+    }
     void TearDown() override
     {
         unload();
-        mainWindow.reset();
-        oxTest::TearDown();
-    }
-
-    oxMovieExport* load()
-    {
-        module = std::make_unique<oxMovieExport>();
-        return module.get();
+        oxModuleTest::TearDown();
     }
     void unload()
     {
-        if (!module)
-            return;
-        testing::internal::CaptureStdout();
-        module.reset();
-        const std::string out = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(out, "oxMovieExport::~oxMovieExport\n");
-        // Docks of deleted windows go at the next turn of the event loop.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        if (module) {
+            EXPECT_EQ(unloadModule(), "oxMovieExport::~oxMovieExport\n");
+        }
     }
-    oxRenderSettings* window() const { return module->getRenderSettingsWindow(); }
-
-    std::unique_ptr<oxMainWindow> mainWindow;
-    std::unique_ptr<oxMovieExport> module;
 };
 
 QStringList actionTexts(const QMenu* menu)
@@ -108,47 +97,60 @@ TEST_F(WindowTest, ModuleDocksItsWindowAndPublishesTheQuickRenderAction)
     // The window action brings the dock out.
     window()->getWindowAction()->trigger();
     EXPECT_TRUE(dock->isFloating());
+
+    // Unloading takes the window, its dock and its actions away; loading builds them anew.
+    QPointer<oxRenderSettings> gone = window();
+    QPointer<QOXDockWidget> goneDock = dock;
+    const int toolBarActions = mainWindow->quickAccessToolBar()->actions().size();
+    const int fileActions = mainWindow->fileMenu()->actions().size();
+    unload();
+    EXPECT_TRUE(gone.isNull());
+    EXPECT_EQ(oxRenderSettings::instance(), nullptr);
+    EXPECT_TRUE(goneDock.isNull());
+    EXPECT_EQ(manager->getDockWidget("Render Settings"), nullptr);
+    EXPECT_EQ(manager->getQuickAccessAction("QuickRender"), nullptr);
+    EXPECT_EQ(mainWindow->quickAccessToolBar()->actions().size(), toolBarActions - 1);
+    EXPECT_EQ(mainWindow->fileMenu()->actions().size(), fileActions - 1);
+    EXPECT_EQ(theMovieExport, nullptr);
+    load();
+    EXPECT_NE(manager->getDockWidget("Render Settings"), nullptr);
+    EXPECT_NE(manager->getQuickAccessAction("QuickRender"), nullptr);
 }
 
 TEST_F(WindowTest, ExportSnapshotStandsBehindTheExportSubmenuUnlessItIsNearTheEnd)
 {
     QMenu* file = mainWindow->fileMenu();
     QMenu* exportMenu = mainWindow->exportMenu();
-
-    // Two entries after the submenu: the action goes into the File menu, right behind it.
-    file->clear();
-    file->addAction("Open");
-    file->addMenu(exportMenu);
-    file->addSeparator();
-    file->addAction("Quit");
-    load();
-    QAction* snapshot = module->getExportSnapshotAction();
-    ASSERT_NE(snapshot, nullptr);
-    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "Export Snapshot", "-", "Quit"}));
-    EXPECT_TRUE(exportMenu->actions().isEmpty());
-    EXPECT_EQ(snapshot->shortcut(), QKeySequence(QKeySequence::Print));
-    EXPECT_EQ(snapshot->parent(), module.get());
-    unload();
-    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "-", "Quit"}));
-
-    // Next-to-last: into the submenu.
-    file->clear();
-    file->addAction("Open");
-    file->addMenu(exportMenu);
-    file->addAction("Quit");
-    load();
-    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export", "Quit"}));
-    EXPECT_EQ(actionTexts(exportMenu), QStringList({"Export Snapshot"}));
-    unload();
-    EXPECT_TRUE(exportMenu->actions().isEmpty());
-
-    // Last: into the submenu too.
-    file->clear();
-    file->addAction("Open");
-    file->addMenu(exportMenu);
-    load();
-    EXPECT_EQ(actionTexts(file), QStringList({"Open", "Export"}));
-    EXPECT_EQ(actionTexts(exportMenu), QStringList({"Export Snapshot"}));
+    // What follows the Export submenu in the File menu, and where the action then stands.
+    struct Case {
+        QStringList after;
+        QStringList fileWithAction;
+        QStringList exportWithAction;
+    };
+    const std::vector<Case> cases = {
+        {{"-", "Quit"}, {"Open", "Export", "Export Snapshot", "-", "Quit"}, {}},
+        {{"Quit"}, {"Open", "Export", "Quit"}, {"Export Snapshot"}},
+        {{}, {"Open", "Export"}, {"Export Snapshot"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.after.join(' ').toStdString());
+        file->clear();
+        file->addAction("Open");
+        file->addMenu(exportMenu);
+        for (const QString& text : c.after)
+            text == "-" ? file->addSeparator() : file->addAction(text);
+        const QStringList before = actionTexts(file);
+        load();
+        QAction* snapshot = module->getExportSnapshotAction();
+        ASSERT_NE(snapshot, nullptr);
+        EXPECT_EQ(snapshot->shortcut(), QKeySequence(QKeySequence::Print));
+        EXPECT_EQ(snapshot->parent(), module.get());
+        EXPECT_EQ(actionTexts(file), c.fileWithAction);
+        EXPECT_EQ(actionTexts(exportMenu), c.exportWithAction);
+        unload();
+        EXPECT_EQ(actionTexts(file), before);
+        EXPECT_TRUE(exportMenu->actions().isEmpty());
+    }
 }
 
 TEST_F(WindowTest, WithoutFileMenuThereIsNoSnapshotAction)
@@ -167,32 +169,6 @@ TEST_F(WindowTest, WithoutFileMenuThereIsNoSnapshotAction)
     ASSERT_NE(module->getExportSnapshotAction(), nullptr);
     EXPECT_TRUE(module->getExportSnapshotAction()->associatedWidgets().isEmpty());
     EXPECT_EQ(actionTexts(mainWindow->fileMenu()), before);
-}
-
-TEST_F(WindowTest, UnloadRemovesWindowDockAndActions)
-{
-    load();
-    QPointer<oxRenderSettings> gone = window();
-    QOXDockWindowManager* manager = mainWindow->dockWindowManager();
-    QPointer<QOXDockWidget> dock = manager->getDockWidget("Render Settings");
-    ASSERT_TRUE(dock);
-    const int toolBarActions = mainWindow->quickAccessToolBar()->actions().size();
-    const int fileActions = mainWindow->fileMenu()->actions().size();
-
-    unload();
-    EXPECT_TRUE(gone.isNull());
-    EXPECT_EQ(oxRenderSettings::instance(), nullptr);
-    EXPECT_TRUE(dock.isNull());
-    EXPECT_EQ(manager->getDockWidget("Render Settings"), nullptr);
-    EXPECT_EQ(manager->getQuickAccessAction("QuickRender"), nullptr);
-    EXPECT_EQ(mainWindow->quickAccessToolBar()->actions().size(), toolBarActions - 1);
-    EXPECT_EQ(mainWindow->fileMenu()->actions().size(), fileActions - 1);
-    EXPECT_EQ(theMovieExport, nullptr);
-
-    // Loading again builds everything anew.
-    load();
-    EXPECT_NE(manager->getDockWidget("Render Settings"), nullptr);
-    EXPECT_NE(manager->getQuickAccessAction("QuickRender"), nullptr);
 }
 
 TEST_F(WindowTest, ButtonsReachTheModuleAndCallbacksComeAndGoInOrder)
@@ -215,6 +191,7 @@ TEST_F(WindowTest, ButtonsReachTheModuleAndCallbacksComeAndGoInOrder)
     EXPECT_EQ(moduleCallbacks("oxController::addCB"), expected);
     for (const std::string& name : expected)
         EXPECT_TRUE(oxController::hasCB(name.c_str())) << name;
+    EXPECT_TRUE(oxController::hasCB("oxRenderSettings::update"));
 
     // disconnect() answers whether the connection was there.
     oxRenderSettings* w = window();
@@ -237,6 +214,9 @@ TEST_F(WindowTest, ButtonsReachTheModuleAndCallbacksComeAndGoInOrder)
     EXPECT_EQ(moduleCallbacks("oxController::subCB"), expected);
     for (const std::string& name : expected)
         EXPECT_FALSE(oxController::hasCB(name.c_str())) << name;
+    // The window's own callbacks go with it.
+    EXPECT_FALSE(oxController::hasCB("oxRenderSettings::update"));
+    EXPECT_FALSE(oxController::hasCB("renderRegionChanged"));
     oxCallTrace::setEnabled(false);
     oxCallTrace::clear();
 }
@@ -313,29 +293,6 @@ TEST_F(WindowTest, WindowFillsWhatTheFormCannotHold)
     ASSERT_NE(w->getPresetGUI(), nullptr);
     EXPECT_TRUE(w->getPresetActionGroup()->isExclusive());
     EXPECT_FALSE(w->isGuiUpdateLocked());
-}
-
-TEST_F(WindowTest, RefreshRequestsCoalesceWithinOneTurn)
-{
-    load();
-    oxRenderSettings* w = window();
-    int statistics = 0;
-    int variants = 0;
-    QObject::connect(&w->getStatisticsTimer(), &QTimer::timeout, [&] { ++statistics; });
-    QObject::connect(&w->getVariantGuiTimer(), &QTimer::timeout, [&] { ++variants; });
-    for (int i = 0; i < 5; ++i) {
-        w->updateRenderStatistics();
-        w->updateVariantSetGUI();
-    }
-    EXPECT_TRUE(w->getStatisticsTimer().isSingleShot());
-    EXPECT_EQ(w->getStatisticsTimer().interval(), 0);
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(statistics, 1);
-    EXPECT_EQ(variants, 1);
-    w->updateRenderStatistics();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(statistics, 2);
 }
 
 TEST_F(WindowTest, SectionsLineUpAndFoldedContentsStayFolded)
