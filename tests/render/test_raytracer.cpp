@@ -210,7 +210,8 @@ TEST_F(oxRaytracerTest, AlphaColourAndPremultiplicationFollowTheCoverage)
 
     s.alpha = false;
     s.alphaColor = {0.25f, 0.5f, 0.75f};
-    const float* sky = pixel(render(s), Beauty, kSkyX, kSkyY);
+    const oxRenderedImage behind = render(s);
+    const float* sky = pixel(behind, Beauty, kSkyX, kSkyY);
     EXPECT_EQ(std::vector<float>(sky, sky + 4), (std::vector<float>{0.25f, 0.5f, 0.75f, 1.0f}));
 }
 
