@@ -88,6 +88,9 @@ private:
     void dressFileChooser();
     void registerCallbacks();
 
+    /// The window's current settings once the user settled their output name and files;
+    /// null without a window or when the user cancelled.
+    oxRenderSettingsPresetSPtr settledWindowSettings();
     /// The window's cluster hosts (empty without a window or with the cluster off).
     QString clusterHosts() const;
 

@@ -95,19 +95,25 @@ void oxMovieExport::openFileDialog()
         chooseOutputFile(window->getCurrentRenderSettings());
 }
 
+oxRenderSettingsPresetSPtr oxMovieExport::settledWindowSettings()
+{
+    if (!renderSettingsWindow)
+        return nullptr;
+    const oxRenderSettingsPresetSPtr record = renderSettingsWindow->getCurrentRenderSettings();
+    return checkOutputFiles(record, true) ? record : nullptr;
+}
+
 void oxMovieExport::clickedRender()
 {
-    oxRenderSettings* window = renderSettingsWindow;
-    if (!window)
-        return;
-    const oxRenderSettingsPresetSPtr record = window->getCurrentRenderSettings();
-    if (!checkOutputFiles(record, true))
+    const oxRenderSettingsPresetSPtr record = settledWindowSettings();
+    if (!record)
         return;
     // The user has just decided about every existing file: the writer must not ask again.
     imageWriter->setNoOverwriteMessage(true);
     renderPresetToFile(record);
     // Listeners are told after the job, despite the notice's name.
-    window->notifyRenderStarted("Render");
+    if (renderSettingsWindow)
+        renderSettingsWindow->notifyRenderStarted("Render");
     imageWriter->setNoOverwriteMessage(false);
 }
 

@@ -44,11 +44,7 @@ void createClusterJob(oxClusterManagerService* service, const QString& queue)
 
 void oxMovieExport::clickedAddToRenderQueue()
 {
-    oxRenderSettings* window = renderSettingsWindow;
-    if (!window)
-        return;
-    const oxRenderSettingsPresetSPtr record = window->getCurrentRenderSettings();
-    if (!checkOutputFiles(record, true))
+    if (!settledWindowSettings())
         return;
     QOXDockWindowManager* manager = oxController::getDockWindowManager();
     QOXDockWidget* dock = manager ? manager->getDockWidget(tr("Render Queue")) : nullptr;
@@ -57,8 +53,8 @@ void oxMovieExport::clickedAddToRenderQueue()
     dock->show();
     // The scene is left in the state of the job's first render, as the queue will see it.
     applyFirstSettings();
-    window->buildRenderJobMessage();
-    window->notifyRenderStarted(kAddToRenderQueueSender);
+    renderSettingsWindow->buildRenderJobMessage();
+    renderSettingsWindow->notifyRenderStarted(kAddToRenderQueueSender);
 }
 
 void oxMovieExport::clickedSendToClusterQueue()
