@@ -20,15 +20,20 @@
 #include "oxRenderParameter.h"
 #include "oxRenderQueue.h"
 #include "oxScene.h"
+#include "oxScript.h"
 #include "oxSceneIO.h"
 #include "oxSceneServices.h"
 
 #include <QApplication>
+#include <QTimer>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 #include <memory>
 #include <string>
 #include <vector>
@@ -36,7 +41,7 @@
 namespace {
 
 const char kUsage[] =
-    "Usage: oxlin [options] [FILE]\n"
+    "Usage: oxlin [options] [FILE] [--script SCRIPT | --python CODE] [-- ARG...]\n"
     "\n"
     "FILE is a project (.oxp) or a glTF 2.0 model (.gltf, .glb); without it oxlin starts with\n"
     "the example scene \"showroom\".\n"
@@ -60,6 +65,10 @@ const char kUsage[] =
     "  --view NAME           render through the camera or viewpoint NAME\n"
     "  --samples N           samples per pixel of the snapshot (default: the image samples)\n"
     "  --cluster-spool DIR   log in to the cluster spool folder DIR (its subfolders are queues)\n"
+    "  --script SCRIPT       run the Python file SCRIPT once the scene is open; headless, exit\n"
+    "                        with its status (0, 1 after an uncaught exception, n for\n"
+    "                        sys.exit(n)); sys.argv is SCRIPT and the ARGs after --\n"
+    "  --python CODE         the same for the Python code CODE (sys.argv[0] is '-c')\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -81,6 +90,10 @@ struct Options {
     std::string view;
     std::string samples;
     std::string clusterSpool;
+    std::string script;
+    std::string python;
+    bool hasPython = false;
+    std::vector<std::string> scriptArguments;
 };
 
 // Parses argv; false with a message on standard error for anything it doesn't know.
@@ -124,6 +137,16 @@ bool parseOptions(int argc, char** argv, Options& options)
         } else if (arg == "--cluster-spool") {
             if (!value(options.clusterSpool))
                 return false;
+        } else if (arg == "--script") {
+            if (!value(options.script))
+                return false;
+        } else if (arg == "--python") {
+            if (!value(options.python))
+                return false;
+            options.hasPython = true;
+        } else if (arg == "--") {
+            options.scriptArguments.assign(argv + i + 1, argv + argc);
+            break;
         } else if (arg == "--list-scene") {
             options.listScene = true;
         } else if (arg == "--snapshot" || arg == "--size" || arg == "--passes" || arg == "--view" ||
@@ -141,6 +164,14 @@ bool parseOptions(int argc, char** argv, Options& options)
             std::fprintf(stderr, "oxlin: unknown argument '%s' (see oxlin --help)\n", arg.c_str());
             return false;
         }
+    }
+    if (!options.script.empty() && options.hasPython) {
+        std::fprintf(stderr, "oxlin: --script and --python exclude each other\n");
+        return false;
+    }
+    if (!options.scriptArguments.empty() && options.script.empty() && !options.hasPython) {
+        std::fprintf(stderr, "oxlin: arguments after -- go to a --script or --python\n");
+        return false;
     }
     return true;
 }
@@ -262,6 +293,37 @@ int renderSnapshot(const Options& options)
     return 0;
 }
 
+// The whole text of the script file; false with one error line when it can't be read.
+bool readScript(const std::string& path, std::string& code)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (file)
+        text << file.rdbuf();
+    if (!file || file.bad()) {
+        std::fprintf(stderr, "oxlin: can't read the script '%s': %s\n", path.c_str(),
+                     std::strerror(errno));
+        return false;
+    }
+    code = text.str();
+    return true;
+}
+
+// Runs the --script or --python of options in the interpreter; the script's exit status.
+int runScript(const Options& options, const std::string& code)
+{
+    if (!oxScript::start())
+        return 1;
+    std::vector<std::string> arguments{options.hasPython ? std::string("-c") : options.script};
+    arguments.insert(arguments.end(), options.scriptArguments.begin(),
+                     options.scriptArguments.end());
+    oxScript::setArguments(arguments);
+    const oxScript::Outcome outcome = options.hasPython
+                                          ? oxScript::execute(options.python, "<string>")
+                                          : oxScript::execute(code, options.script);
+    return outcome.exitCode;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -289,6 +351,11 @@ int main(int argc, char** argv)
         std::printf("Wrote the example scene to '%s'.\n", options.exampleDir.c_str());
         return 0;
     }
+
+    const bool runsScript = !options.script.empty() || options.hasPython;
+    std::string scriptCode;
+    if (!options.script.empty() && !readScript(options.script, scriptCode))
+        return 2;
 
     if (!options.snapshot.empty())
         options.noGUI = true;
@@ -342,15 +409,25 @@ int main(int argc, char** argv)
         } else if (result == 0 && options.listScene) {
             std::fputs(oxSceneIO::describe(oxScene::current()).c_str(), stdout);
             std::fflush(stdout);
+        } else if (result == 0 && runsScript && options.noGUI) {
+            result = runScript(options, scriptCode);
+            // Work the script left for the event loop (deferred starts) still runs.
+            QApplication::processEvents();
         } else if (result == 0 && !options.noGUI) {
+            // The Script Editor needs the interpreter; a GUI without it still works.
+            oxScript::start();
             mainWindow->show();
+            if (runsScript)
+                QTimer::singleShot(0, [&] { runScript(options, scriptCode); });
             result = application.exec();
         } else {
             QApplication::processEvents();
         }
     }
 
-    // Plug-ins go first: their objects may refer to the main window and need the application.
+    // The interpreter goes before the plug-ins whose code its modules point into; plug-ins go
+    // before the main window: their objects may refer to it and need the application.
+    oxScript::stop();
     oxPluginLoader::unloadAll();
     oxImageSource::setCurrent(nullptr);
     oxKernelServiceFactory::the()->unregisterService<oxClusterManagerService>();

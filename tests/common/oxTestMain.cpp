@@ -2,6 +2,7 @@
 
 #include "oxController.h"
 #include "oxPlatform.h"
+#include "oxScript.h"
 
 #include <QApplication>
 
@@ -17,5 +18,8 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     // No modal dialog may wait for a person during a test run.
     oxController::setNoGUI(true);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    // A suite that started the interpreter stops it while the code its modules use is loaded.
+    oxScript::stop();
+    return result;
 }
