@@ -8,7 +8,8 @@ PACKAGES=(
     qtbase5-dev qtbase5-dev-tools libqt5svg5-dev xvfb xauth fonts-dejavu-core
     libboost-dev libboost-python-dev python3-dev python3-pytest
     libembree-dev libtbb-dev
-    libopenimageio-dev openimageio-tools python3-openimageio libopenexr-dev liblcms2-dev
+    libopenimageio-dev openimageio-tools python3-openimageio python3-numpy libopenexr-dev
+    liblcms2-dev
     libavcodec-dev libavformat-dev libswscale-dev libavutil-dev ffmpeg
     libtinygltf-dev nlohmann-json3-dev libpugixml-dev
     libgtest-dev libgmock-dev libbenchmark-dev

@@ -1,0 +1,4 @@
+#pragma once
+
+/// Registers createMovie, renderAnimation and renderStepAnimation with all their forms.
+void bindMovie();
