@@ -28,6 +28,8 @@ int gRunning = 0;
 bool gStarted = false;
 bool gKeepResponsive = false;
 
+// Python threads a script starts print from outside the GUI thread.
+std::mutex gListenerMutex;
 std::map<int, oxScript::OutputListener>& listeners()
 {
     static std::map<int, oxScript::OutputListener> map;
@@ -70,11 +72,15 @@ void deliver(oxScript::Stream stream, const char* text, size_t length)
     // Lines reach a pipe in the order they were written, interleaved with the host's own.
     if (std::memchr(text, '\n', length))
         std::fflush(file);
-    if (listeners().empty())
-        return;
+    std::map<int, oxScript::OutputListener> current;
+    {
+        // A listener may remove itself; call a copy of the table.
+        std::lock_guard<std::mutex> lock(gListenerMutex);
+        if (listeners().empty())
+            return;
+        current = listeners();
+    }
     const std::string copy(text, length);
-    // A listener may remove itself; call a copy of the table.
-    const auto current = listeners();
     for (const auto& entry : current)
         entry.second(stream, copy);
 }
@@ -375,11 +381,18 @@ void oxScript::setArguments(const std::vector<std::string>& arguments)
 
 int oxScript::addOutputListener(OutputListener listener)
 {
+    std::lock_guard<std::mutex> lock(gListenerMutex);
     const int handle = gNextListener++;
     listeners()[handle] = std::move(listener);
     return handle;
 }
 
-void oxScript::removeOutputListener(int handle) { listeners().erase(handle); }
+void oxScript::removeOutputListener(int handle)
+{
+    std::lock_guard<std::mutex> lock(gListenerMutex);
+    listeners().erase(handle);
+}
 
 void oxScript::setKeepResponsive(bool on) { gKeepResponsive = on; }
+
+bool oxScript::isKeepResponsive() { return gKeepResponsive; }

@@ -57,4 +57,5 @@ public:
     /// While on, a script that runs long lets the GUI repaint every 50 ms or so (user input
     /// stays blocked until the script ends). Off by default.
     static void setKeepResponsive(bool on);
+    static bool isKeepResponsive();
 };

@@ -5,6 +5,7 @@
 #include "oxPlatform.h"
 #include "oxScene.h"
 #include "oxSceneIO.h"
+#include "oxScriptEditor.h"
 
 #include <QAction>
 #include <QApplication>
@@ -60,6 +61,12 @@ oxMainWindow::oxMainWindow(QWidget* parent) : QMainWindow(parent)
     oxController::setDockWindowManager(m_dockWindowManager);
     oxController::registerMenu("Window", m_windowMenu);
 
+    // Scripts are written and run in a dock of its own, hidden until asked for.
+    m_scriptEditor = new oxScriptEditor(this);
+    m_dockWindowManager->add(QStringLiteral("ScriptEditor"), tr("Script Editor"), m_scriptEditor,
+                             QString(), QStringLiteral("StartRendering"), tr("Script Editor"),
+                             Qt::BottomDockWidgetArea, false, nullptr);
+
     oxController::registerMenu("File", m_fileMenu);
     oxController::registerMenu("Export", m_exportMenu);
     oxController::setMainWindow(this);
@@ -113,3 +120,5 @@ void oxMainWindow::saveSceneAs()
         QMessageBox::warning(this, oxPlatform::getAppVersionName(),
                              tr("\"%1\" couldn't be saved; the log says why.").arg(file));
 }
+
+oxScriptEditor* oxMainWindow::scriptEditor() const { return m_scriptEditor; }

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 
 class QMenu;
 class QToolBar;
 class QOXDockWindowManager;
+class oxScriptEditor;
 
 /// The host's main window: menu bar, central render view and dock areas. Its menus are
 /// published by name through oxController::getMenu ("File", "Export", "Window"); its dock
@@ -21,6 +23,8 @@ public:
     QMenu* windowMenu() const { return m_windowMenu; }
     QToolBar* quickAccessToolBar() const { return m_quickAccess; }
     QOXDockWindowManager* dockWindowManager() const { return m_dockWindowManager; }
+    /// The Script Editor, docked as "ScriptEditor" (hidden until chosen in the Window menu).
+    oxScriptEditor* scriptEditor() const;
 
 private:
     // File > Open, Save and Save As: project and model files of oxSceneIO.
@@ -33,4 +37,5 @@ private:
     QMenu* m_windowMenu = nullptr;
     QToolBar* m_quickAccess = nullptr;
     QOXDockWindowManager* m_dockWindowManager = nullptr;
+    QPointer<oxScriptEditor> m_scriptEditor;
 };

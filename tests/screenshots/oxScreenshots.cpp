@@ -1,17 +1,21 @@
 // oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
 // the main window with the docked window, each tab of the window with every section open,
-// and the render pass section on each of its tabs.
+// the render pass section on each of its tabs, and the host's Script Editor after a run.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
 #include "QOXCollapsibleFrame.h"
+#include "QOXDockWindowManager.h"
 #include "oxController.h"
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
 #include "oxRenderSettings.h"
+#include "oxScript.h"
+#include "oxScriptEditor.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
 
@@ -48,6 +52,45 @@ QString fileName(const QString& text)
     QString name = text.toLower();
     name.replace(QRegExp(QStringLiteral("[^a-z0-9]+")), QStringLiteral("_"));
     return name;
+}
+
+// A short script that shows every kind of highlighting, and its output.
+const char kSampleScript[] = R"("""Prints a few square roots,
+then fails on purpose."""
+import math
+
+
+class Sample:
+    def __init__(self, index):
+        self.index = index
+
+    @property
+    def label(self):
+        return f"sample {self.index}"  # an f-string
+
+
+for i in range(3):
+    print(Sample(i).label, round(math.sqrt(i * 2.5), 3))
+raise ValueError("no fourth sample")  # red in the output
+)";
+
+// The Script Editor docked under the main window, after running kSampleScript.
+bool saveScriptEditor(oxMainWindow& mainWindow, const QDir& dir)
+{
+    QOXDockWidget* dock =
+        mainWindow.dockWindowManager()->getDockWidget(QStringLiteral("ScriptEditor"));
+    oxScriptEditor* editor = mainWindow.scriptEditor();
+    if (!dock || !editor || !oxScript::start()) {
+        std::fprintf(stderr, "oxscreenshots: no Script Editor or no Python\n");
+        return false;
+    }
+    // Tall enough for the whole script and its output.
+    mainWindow.resize(1400, 1150);
+    dock->show();
+    mainWindow.resizeDocks({dock}, {780}, Qt::Vertical);
+    editor->editor()->setPlainText(QString::fromUtf8(kSampleScript));
+    editor->runScript();
+    return save(dock, dir, QStringLiteral("script_editor"));
 }
 
 } // namespace
@@ -95,5 +138,7 @@ int main(int argc, char** argv)
                       .arg(fileName(window->RenderpassesTab->tabText(i)))) &&
              ok;
     }
+    ok = saveScriptEditor(mainWindow, dir) && ok;
+    oxScript::stop();
     return ok ? 0 : 1;
 }
