@@ -10,7 +10,8 @@ class oxPythonRegister;
 /// registrars were made.
 class oxPythonRegisterFactory {
 public:
-    enum Level {
+    // With a fixed underlying type, so that a level a registrar doesn't know is still a value.
+    enum Level : int {
         /// Before the interpreter starts: the time to add built-in modules
         /// (PyImport_AppendInittab).
         BeforeInitialize = 0,
