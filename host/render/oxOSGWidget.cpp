@@ -13,6 +13,8 @@ struct State {
     bool stillDOF = true;
     bool gpu = false;
     bool spectral = false;
+    // All GPUs, as a fresh installation has it.
+    unsigned gpuMask = ~0u;
     std::array<float, 3> gamma{{2.2f, 2.2f, 2.2f}};
     // Dithering and the two fixed stages are on in a fresh view.
     int postprocessing = (1 << 0) | (1 << 2) | (1 << 3);
@@ -64,9 +66,21 @@ bool oxOSGWidget::isStillDOFEnabled() { return state().stillDOF; }
 void oxOSGWidget::setRaytracingMode(bool spectral, bool gpu)
 {
     oxTraceCall("oxOSGWidget::setRaytracingMode", spectral, gpu);
+    // The spectral switch passes the GPU state along unchanged: only a switch-on is news.
+    if (gpu && !state().gpu)
+        oxLog::info("Render view: GPU raytracing was chosen, but this host has no GPU raytracer; "
+                    "rendering stays on the CPU.");
     listeners().assign(state().spectral, spectral, "SpectralRaytracingMode");
     listeners().assign(state().gpu, gpu, "GpuRaytracing");
 }
+
+void oxOSGWidget::setActiveGpuRaytracingMask(unsigned mask)
+{
+    oxTraceCall("oxOSGWidget::setActiveGpuRaytracingMask", mask);
+    listeners().assign(state().gpuMask, mask, "ActiveGpuRaytracingMask");
+}
+
+unsigned oxOSGWidget::getActiveGpuRaytracingMask() { return state().gpuMask; }
 
 bool oxOSGWidget::getGpuRaytracing() { return state().gpu; }
 bool oxOSGWidget::getSpectralRaytracingMode() { return state().spectral; }

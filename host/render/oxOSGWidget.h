@@ -51,10 +51,17 @@ public:
     static void enableStillDOF(bool enable);
     static bool isStillDOFEnabled();
 
-    /// Switches the raytracer between CPU and GPU and between RGB and spectral rendering.
+    /// Switches the raytracer between CPU and GPU and between RGB and spectral rendering. This
+    /// host renders on the CPU whatever the mode: the GPU switch is kept and reported, and
+    /// turning it on logs (once per switch-on) that rendering stays on the CPU.
     static void setRaytracingMode(bool spectral, bool gpu);
     static bool getGpuRaytracing();
     static bool getSpectralRaytracingMode();
+    /// The GPUs (one bit each, bit 0 the first) that GPU raytracing may use; it takes effect
+    /// when GPU raytracing is switched on. Kept and reported only: this host has no GPU
+    /// raytracer. Records the call.
+    static void setActiveGpuRaytracingMask(unsigned mask);
+    static unsigned getActiveGpuRaytracingMask();
 
     /// The display gamma of the red, green and blue channels.
     static void setDisplayGamma(const std::array<float, 3>& gamma);

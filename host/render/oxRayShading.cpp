@@ -22,6 +22,8 @@ Vec3 idColorOf(const std::string& name)
     return {channel(0), channel(8), channel(16)};
 }
 
+} // namespace
+
 Vec3 environmentColor(const osg::UEnvironmentMaterialBase* environment, const Vec3& direction)
 {
     if (!environment)
@@ -32,8 +34,6 @@ Vec3 environmentColor(const osg::UEnvironmentMaterialBase* environment, const Ve
     const float t = std::clamp(direction[1] * 4.0f + 0.5f, 0.0f, 1.0f);
     return lerp(ground, sky, t);
 }
-
-} // namespace
 
 void RenderContext::loadMaterials(const oxSceneSnapshot& snapshot,
                                   std::vector<std::string>& materialNames)

@@ -39,6 +39,9 @@ struct ShadeLight {
     float cosInner = 0.0f;
 };
 
+// The environment's radiance seen along direction (black without an environment).
+Vec3 environmentColor(const osg::UEnvironmentMaterialBase* environment, const Vec3& direction);
+
 // What one camera sample saw.
 struct SampleResult {
     bool hit = false;

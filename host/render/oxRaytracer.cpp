@@ -20,6 +20,7 @@
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 // The render loop: settings, scene poses and tiles. Vector math, sampling, filters, shading,
@@ -88,6 +89,7 @@ oxRaytracer::Settings oxRaytracer::Settings::fromHost(int width, int height, boo
     settings.clamping = oxRenderParameter::getClamping();
     settings.clampValue = oxRenderParameter::getReflectionClampValue();
     settings.sampleOffset = oxRenderParameter::getRaytracingSampleOffset();
+    settings.tileSize = oxRaytracingManager::getMaxClusterTileSize();
     return settings;
 }
 
@@ -95,6 +97,7 @@ oxRaytracer::Settings oxRaytracer::Settings::fromHost(int width, int height, boo
 
 struct oxRaytracer::Impl {
     EmbreeScene embree;
+    std::atomic<int> lastTileCount{0};
 };
 
 oxRaytracer::oxRaytracer() : m_impl(std::make_unique<Impl>()) {}
@@ -120,6 +123,12 @@ int oxRaytracer::getBuildCount() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
     return m_impl->embree.buildCount;
+}
+
+int oxRaytracer::getLastTileCount() const
+{
+    std::lock_guard<std::mutex> lock(m_mutex);
+    return m_impl->lastTileCount;
 }
 
 std::vector<int> oxRaytracer::refinementRounds(int samples)
@@ -276,13 +285,18 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     std::vector<CoverageLists> keptLists(rounds.size() > 1 && crypto ? pixelCount : 0);
 
     // Tiles shoot their primary rays in packets of eight neighbouring pixels, one sample
-    // index at a time; everything after the first hit is traced ray by ray.
-    constexpr int kTile = 16;
+    // index at a time; everything after the first hit is traced ray by ray. Every pixel draws
+    // its samples from its own key, so the tiling shares out the work without changing a bit
+    // of the image.
+    const size_t tileSize = size_t(std::max(1, settings.tileSize));
     constexpr int kPacket = 8;
+    m_impl->lastTileCount = 0;
     auto renderRound = [&](int begin, int end, bool firstRound, bool lastRound) {
         tbb::parallel_for(
-            tbb::blocked_range2d<int>(y0, y1, kTile, x0, x1, kTile),
+            tbb::blocked_range2d<int>(y0, y1, tileSize, x0, x1, tileSize),
             [&](const tbb::blocked_range2d<int>& tile) {
+                if (firstRound)
+                    ++m_impl->lastTileCount;
                 const int left = tile.cols().begin();
                 const int top = tile.rows().begin();
                 const int tileWidth = int(tile.cols().size());

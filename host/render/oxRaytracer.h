@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oxImagePasses.h"
+#include "oxRaytracingManager.h"
 #include "oxRenderParameter.h"
 
 #include <array>
@@ -91,6 +92,8 @@ public:
         int sampleOffset = 0;
         /// false: all samples in one round, with nothing kept between rounds (the same image).
         bool refine = true;
+        /// The largest tile in pixels on a side (at least 1); tiles are shaded in parallel.
+        int tileSize = oxRaytracingManager::defaultTileSize;
         /// Called on the rendering thread after each refinement round with the rounds done,
         /// the rounds planned and the image so far. Returning false before the last round
         /// stops the render there: render then returns false, sets stopped and leaves the
@@ -102,8 +105,9 @@ public:
         float motionFrame = 0.0f;
         float shutter = motionBlurShutter;
 
-        /// The settings of the host's parameter store, pixel filter and premultiplication
-        /// switch for an image of that size, with one sample or the store's image samples.
+        /// The settings of the host's parameter store, pixel filter, tile size and
+        /// premultiplication switch for an image of that size, with one sample or the store's
+        /// image samples.
         static Settings fromHost(int width, int height, bool fullSamples);
     };
 
@@ -133,6 +137,8 @@ public:
 
     /// How often the acceleration structure was built: once per scene change.
     int getBuildCount() const;
+    /// The number of tiles the last render split its region into (0 before the first).
+    int getLastTileCount() const;
 
 private:
     struct Impl;

@@ -2,6 +2,9 @@
 
 #include "oxRaytracingUtilsBase.h"
 #include "oxRenderParameter.h"
+#include "oxRenderServiceSupport.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -17,6 +20,12 @@ oxRaytracingUtilsBase*& activeUtilities()
     return active;
 }
 
+int& tileSize()
+{
+    static int size = oxRaytracingManager::defaultTileSize;
+    return size;
+}
+
 } // namespace
 
 oxRaytracingUtilsBase* oxRaytracingManager::getRaytracingUtils() { return activeUtilities(); }
@@ -30,6 +39,7 @@ void oxRaytracingManager::resetRaytracingUtils()
 {
     ownUtilities().resetToDefaults();
     activeUtilities() = &ownUtilities();
+    tileSize() = defaultTileSize;
 }
 
 bool oxRaytracingManager::isSpectralRaytracingEnable()
@@ -38,3 +48,11 @@ bool oxRaytracingManager::isSpectralRaytracingEnable()
 }
 
 bool oxRaytracingManager::isGpuRaytracingEnable() { return oxRenderParameter::getGpuRaytracing(); }
+
+void oxRaytracingManager::setMaxClusterTileSize(int size)
+{
+    oxTraceCall("oxRaytracingManager::setMaxClusterTileSize", size);
+    tileSize() = std::clamp(size, minTileSize, maxTileSize);
+}
+
+int oxRaytracingManager::getMaxClusterTileSize() { return tileSize(); }

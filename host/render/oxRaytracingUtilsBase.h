@@ -2,6 +2,12 @@
 
 #include "oxRenderServiceSupport.h"
 
+#include <vector>
+
+namespace osg {
+class Node;
+}
+
 // The NURBS raytracing settings of the raytracer, one row each: X(type, Name, start value);
 // virtual getName() and setName(value).
 #define OX_RAYTRACING_NURBS_SETTINGS(X)                                                            \
@@ -46,6 +52,16 @@ public:
     virtual void updatePixelFilter();
     /// The filter taken over by the last updatePixelFilter (the start filter before).
     PixelFilter getActivePixelFilter() const { return m_activeFilter; }
+
+    /// Traces numPhotons photons from the current scene's lights, each for up to maxDepth
+    /// surface hits, and writes the rays that land to filename as an ASCII ray file (format in
+    /// oxRayFile.h), atomically. lights: the light nodes to trace from, empty for all lights
+    /// and the environment; everyHit: keep a ray at every hit, not only where a surface has a
+    /// diffuse part. The same scene gives the same file. False, with an error in the log that
+    /// names the file, when the scene can't be traced or the file can't be written. Records
+    /// the call.
+    virtual bool generateRayFile(const char* filename, unsigned numPhotons, unsigned maxDepth,
+                                 const std::vector<const osg::Node*>& lights, bool everyHit);
 
     /// Back to the start settings, without trace and without notice.
     virtual void resetToDefaults();

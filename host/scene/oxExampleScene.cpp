@@ -236,6 +236,13 @@ void oxExampleScene::generateModel(std::string& text, std::string& bin, bool emb
               {{"baseColorFactor", {m.color[0], m.color[1], m.color[2], 1.0f}},
                {"metallicFactor", m.metallic},
                {"roughnessFactor", m.roughness}}}});
+    // Glass and chrome look right only with more bounces and finer reflections than the rest
+    // of the scene needs, so they override the scene's raytracing settings.
+    const char* const overrides = oxSceneIO::kRaytracingOverridesExtra;
+    w.doc["materials"][size_t(Glass)]["extras"][overrides] = {{"TraceDepth", 12},
+                                                              {"IlluminationMode", 3}};
+    w.doc["materials"][size_t(Chrome)]["extras"][overrides] = {{"ReflectionQuality", 3},
+                                                               {"IBLQuality", 3}};
     json variants = json::array();
     json mappings = json::array();
     for (size_t i = 0; i < std::size(kPaints); ++i) {

@@ -149,6 +149,25 @@ struct Importer {
         return fallbackMaterial;
     }
 
+    // Each number under the extras' overrides switches that override on with its value.
+    static void importRaytracingOverrides(const tinygltf::Material& source,
+                                          osg::UberMaterialBase& material)
+    {
+        const tinygltf::Value& overrides =
+            member(source.extras, oxSceneIO::kRaytracingOverridesExtra);
+        if (!overrides.IsObject())
+            return;
+        auto attachment = std::make_shared<osg::RaytracingAttachment>();
+#define OX_IMPORT_OVERRIDE(Setting, start)                                                         \
+    if (member(overrides, #Setting).IsNumber()) {                                                  \
+        attachment->setOverride##Setting(true);                                                    \
+        attachment->set##Setting(member(overrides, #Setting).GetNumberAsInt());                    \
+    }
+        OX_RAYTRACING_OVERRIDES(OX_IMPORT_OVERRIDE)
+#undef OX_IMPORT_OVERRIDE
+        material.setRaytracingAttachment(std::move(attachment));
+    }
+
     bool importMaterials()
     {
         for (size_t i = 0; i < model.materials.size(); ++i) {
@@ -167,6 +186,7 @@ struct Importer {
                 incandescence[3] = 1.0f;
             material->setIncandescenceColor(incandescence);
             material->setRenderMode(osg::UberMaterial::getRenderingMode());
+            importRaytracingOverrides(source, *material);
             materials.push_back(material);
             scene.getMaterialPool()->add(material);
         }

@@ -1,5 +1,6 @@
 #include "oxSceneGraph.h"
 
+#include "oxCallTrace.h"
 #include "oxController.h"
 
 #include <algorithm>
@@ -216,6 +217,31 @@ void UberCameraBase::copyView(const UberCameraBase& other)
     setNear(other.getNear());
     setFar(other.getFar());
 }
+
+bool RaytracingAttachment::overridesAnything() const
+{
+#define OX_RAYTRACING_OVERRIDE_ANY(name, start) m_override##name ||
+    return OX_RAYTRACING_OVERRIDES(OX_RAYTRACING_OVERRIDE_ANY) false;
+#undef OX_RAYTRACING_OVERRIDE_ANY
+}
+
+#define OX_RAYTRACING_OVERRIDE_SWITCH(Setting, start)                                              \
+    void UberMaterialBase::setOverride##Setting(bool on)                                           \
+    {                                                                                              \
+        if (oxCallTrace::isEnabled())                                                              \
+            oxCallTrace::record("osg::UberMaterialBase::setOverride" #Setting,                     \
+                                this->name + ", " + (on ? "true" : "false"));                      \
+        if (!m_raytracing || m_raytracing->getOverride##Setting() == on)                           \
+            return;                                                                                \
+        m_raytracing->setOverride##Setting(on);                                                    \
+        commitChanges(this, RaytracingFieldMask);                                                  \
+    }                                                                                              \
+    bool UberMaterialBase::getOverride##Setting() const                                            \
+    {                                                                                              \
+        return m_raytracing && m_raytracing->getOverride##Setting();                               \
+    }
+OX_RAYTRACING_OVERRIDES(OX_RAYTRACING_OVERRIDE_SWITCH)
+#undef OX_RAYTRACING_OVERRIDE_SWITCH
 
 int UberMaterial::getBrdfMode() { return brdfMode; }
 void UberMaterial::setBrdfMode(int mode) { brdfMode = mode; }

@@ -290,15 +290,66 @@ public:
     std::string name;
 };
 
+// The raytracing settings a material may override for itself, one row each:
+// X(Name, value while not overridden). Quality levels are in [0, 4], illumination modes in
+// [-1, 3] (precomputed to full global illumination), trace depths in reflections.
+#define OX_RAYTRACING_OVERRIDES(X)                                                                 \
+    X(ReflectionQuality, 1)                                                                        \
+    X(IBLQuality, 1)                                                                               \
+    X(IlluminationMode, 3)                                                                         \
+    X(TraceDepth, 8)
+
+/// A material's own raytracing settings: for each row of OX_RAYTRACING_OVERRIDES a switch
+/// (getOverrideName) and the value that counts while it is on (getName). A material without
+/// this attachment follows the global settings.
+class RaytracingAttachment : public FieldContainer {
+public:
+    const char* getTypeName() const override { return "RaytracingAttachment"; }
+#define OX_RAYTRACING_OVERRIDE_ACCESS(name, start)                                                 \
+    bool getOverride##name() const { return m_override##name; }                                    \
+    void setOverride##name(bool on) { m_override##name = on; }                                     \
+    int get##name() const { return m_##name; }                                                     \
+    void set##name(int value) { m_##name = value; }
+    OX_RAYTRACING_OVERRIDES(OX_RAYTRACING_OVERRIDE_ACCESS)
+#undef OX_RAYTRACING_OVERRIDE_ACCESS
+    /// Whether any override is on.
+    bool overridesAnything() const;
+
+private:
+#define OX_RAYTRACING_OVERRIDE_MEMBER(name, start)                                                 \
+    bool m_override##name = false;                                                                 \
+    int m_##name = start;
+    OX_RAYTRACING_OVERRIDES(OX_RAYTRACING_OVERRIDE_MEMBER)
+#undef OX_RAYTRACING_OVERRIDE_MEMBER
+};
+
 class UberMaterialBase : public Material {
 public:
     static constexpr BitVector RenderModeFieldMask = 1;
+    static constexpr BitVector RaytracingFieldMask = 8;
     const char* getTypeName() const override { return "UberMaterial"; }
     UInt32 getRenderMode() const { return m_renderMode; }
     void setRenderMode(UInt32 mode) { m_renderMode = mode; }
 
+    /// The material's raytracing overrides, or null when it has none.
+    RaytracingAttachment* getRaytracingAttachment() const { return m_raytracing.get(); }
+    void setRaytracingAttachment(std::shared_ptr<RaytracingAttachment> attachment)
+    {
+        m_raytracing = std::move(attachment);
+    }
+    /// Switch one override of the raytracing attachment on or off; a material without an
+    /// attachment stays without one. A change runs the change protocol with
+    /// RaytracingFieldMask. Each call is recorded in oxCallTrace with the material's name.
+    /// The getters say false without an attachment.
+#define OX_RAYTRACING_OVERRIDE_SWITCH(name, start)                                                 \
+    void setOverride##name(bool on);                                                               \
+    bool getOverride##name() const;
+    OX_RAYTRACING_OVERRIDES(OX_RAYTRACING_OVERRIDE_SWITCH)
+#undef OX_RAYTRACING_OVERRIDE_SWITCH
+
 private:
     UInt32 m_renderMode = 0;
+    std::shared_ptr<RaytracingAttachment> m_raytracing;
 };
 
 /// Class-wide BRDF behaviour of the material system and the render-mode bits that carry it.

@@ -693,8 +693,24 @@ std::string oxSceneIO::describe(const oxScene& scene)
         if (!set->group)
             out << "  " << set->name << "\n";
     out << "Materials:\n";
-    for (const auto& material : scene.getMaterialPool()->get())
-        out << "  " << material->name << "\n";
+    for (const auto& material : scene.getMaterialPool()->get()) {
+        out << "  " << material->name;
+        const auto* uber = dynamic_cast<const osg::UberMaterialBase*>(material.get());
+        if (const osg::RaytracingAttachment* raytracing =
+                uber ? uber->getRaytracingAttachment() : nullptr;
+            raytracing && raytracing->overridesAnything()) {
+            const char* separator = " (overrides";
+#define OX_DESCRIBE_OVERRIDE(Setting, start)                                                       \
+    if (raytracing->getOverride##Setting()) {                                                      \
+        out << separator << " " #Setting " " << raytracing->get##Setting();                        \
+        separator = ",";                                                                           \
+    }
+            OX_RAYTRACING_OVERRIDES(OX_DESCRIBE_OVERRIDE)
+#undef OX_DESCRIBE_OVERRIDE
+            out << ")";
+        }
+        out << "\n";
+    }
     out << "Lights:\n";
     std::vector<osg::NodePtr> lights;
     oxLights::getLights(scene.getRoot(), lights);

@@ -14,8 +14,14 @@ class oxMessage;
 /// variant sets and groups, light settings, the environment and the plug-ins' project record.
 /// A bare glTF opens too: its cameras become unassigned viewpoints, its material variants
 /// ungrouped variant sets and its animations clips.
+///
+/// A glTF material's raytracing overrides stand in its extras, as an object under
+/// kRaytracingOverridesExtra with a number per overridden setting, named as in
+/// OX_RAYTRACING_OVERRIDES: {"raytracingOverrides": {"TraceDepth": 12}}.
 class oxSceneIO {
 public:
+    static constexpr const char* kRaytracingOverridesExtra = "raytracingOverrides";
+
     /// Builds a scene from a file. Null, with one error line naming the file and the problem,
     /// when it can't be read; the current scene is never touched. With pluginRecord given, a
     /// project's plug-in record is read into it.
@@ -49,6 +55,7 @@ public:
     static bool readProject(const oxMessage& project, oxScene& scene, std::string& error);
 
     /// What a scene offers to a render job, as text: cameras, viewpoints, camera tracks with
-    /// their viewpoints, clips with frame bounds, variant groups and sets, materials, lights.
+    /// their viewpoints, clips with frame bounds, variant groups and sets, materials with
+    /// their raytracing overrides, lights.
     static std::string describe(const oxScene& scene);
 };

@@ -236,6 +236,31 @@ TEST_F(oxRaytracerTest, PixelsOutsideTheRegionStayEmpty)
     }
 }
 
+// The tile size shares the work out and never changes a bit of the image, whatever packets of
+// eight pixels the tiles' widths make; the host's size is clamped into its bounds and reaches
+// the raytracer through the host settings.
+TEST_F(oxRaytracerTest, TileSizeChangesTheTilingButNotTheImage)
+{
+    for (const auto& [asked, kept] : {std::pair{1, 32}, {48, 48}, {100000, 256}}) {
+        oxRaytracingManager::setMaxClusterTileSize(asked);
+        EXPECT_EQ(oxRaytracer::Settings::fromHost(kWidth, kHeight, false).tileSize, kept);
+    }
+    oxRaytracingManager::resetRaytracingUtils();
+    EXPECT_EQ(oxRaytracingManager::getMaxClusterTileSize(), oxRaytracingManager::minTileSize);
+
+    oxRaytracer::Settings s = settings({Beauty, Occlusion, Depth, CryptoObject00}, 3);
+    s.tileSize = 256;
+    const oxRenderedImage whole = render(s);
+    EXPECT_EQ(raytracer.getLastTileCount(), 1);
+    for (int tile : {32, 7}) {
+        s.tileSize = tile;
+        expectBitIdentical(render(s), whole);
+        const int across = (kWidth + tile - 1) / tile;
+        const int down = (kHeight + tile - 1) / tile;
+        EXPECT_GE(raytracer.getLastTileCount(), across * down) << tile;
+    }
+}
+
 TEST_F(oxRaytracerTest, LightAndGeometryChangesShowUpAndOnlyGeometryRebuilds)
 {
     const oxRaytracer::Settings s = settings({Beauty, Mask}, 2);

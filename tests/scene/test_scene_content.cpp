@@ -12,6 +12,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <map>
+
 namespace {
 
 class SceneContentTest : public oxTest {
@@ -120,6 +122,41 @@ TEST_F(SceneContentTest, MaterialsLightsAndSceneDataForTheSwitches)
     ASSERT_NE(oxSceneDataManager::getSceneData(0), nullptr);
     EXPECT_EQ(oxSceneDataManager::getSceneData(1), nullptr);
     EXPECT_EQ(oxSceneDataManager::getSceneData(0)->getPhotometric(), 0);
+}
+
+// The example's glass and chrome bring raytracing overrides in their glTF extras; switching one
+// off keeps its value, runs the change protocol once, and gives no material an attachment.
+TEST_F(SceneContentTest, RaytracingOverridesComeFromTheModelAndSwitchOffOneByOne)
+{
+    oxSceneIO::newScene();
+    std::map<std::string, osg::UberMaterialBase*> materials;
+    for (const auto& material : oxScene::current().getMaterialPool()->get())
+        materials[material->name] = dynamic_cast<osg::UberMaterialBase*>(material.get());
+    osg::UberMaterialBase* glass = materials.at("Glass");
+    osg::UberMaterialBase* paint = materials.at("Red Paint");
+    ASSERT_NE(glass->getRaytracingAttachment(), nullptr);
+    EXPECT_EQ(paint->getRaytracingAttachment(), nullptr);
+    EXPECT_TRUE(glass->getOverrideTraceDepth());
+    EXPECT_EQ(glass->getRaytracingAttachment()->getTraceDepth(), 12);
+    EXPECT_FALSE(glass->getOverrideReflectionQuality());
+    EXPECT_TRUE(materials.at("Chrome")->getOverrideReflectionQuality());
+    EXPECT_NE(oxSceneIO::describe(oxScene::current())
+                  .find("  Glass (overrides IlluminationMode 3, TraceDepth 12)\n  Tyre Rubber\n"),
+              std::string::npos);
+
+    osg::ChangeList& changes = *osg::WinThreadBase::getCurrentChangeList();
+    changes.clear();
+    glass->setOverrideTraceDepth(false);
+    glass->setOverrideTraceDepth(false);
+    paint->setOverrideTraceDepth(true);
+    EXPECT_FALSE(glass->getOverrideTraceDepth());
+    EXPECT_TRUE(glass->getOverrideIlluminationMode());
+    EXPECT_EQ(glass->getRaytracingAttachment()->getTraceDepth(), 12);
+    EXPECT_FALSE(paint->getOverrideTraceDepth());
+    EXPECT_EQ(paint->getRaytracingAttachment(), nullptr);
+    ASSERT_EQ(changes.getChanged().size(), 1u);
+    EXPECT_EQ(changes.getChanged()[0].id, glass->getId());
+    EXPECT_EQ(changes.getChanged()[0].mask, osg::UberMaterialBase::RaytracingFieldMask);
 }
 
 TEST_F(SceneContentTest, BareGltfGivesViewpointsSetsAndClips)
