@@ -302,3 +302,12 @@ bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& rec
     }
     return exporting && writer.wasExportCanceled();
 }
+
+QStringList renderOutputFilenames(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record)
+{
+    QStringList list;
+    walkRenderPlan(writer, record, list, PlanCollect, QString());
+    for (QString& name : list)
+        name = withoutLongPathPrefix(name);
+    return list;
+}

@@ -150,3 +150,8 @@ QString prepareOutputDirectory(const oxRenderSettingsPresetSPtr& record);
 /// that can't be created leaves list untouched.
 bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
                     QStringList& list, PlanFlags flags, const QString& clusterHosts);
+
+/// The files record's job writes, as people and scripts see them: the names of a collecting
+/// walk, in walk order, without the long path prefix. Empty when the walk can't start (which
+/// has been logged); the walk creates the output folder.
+QStringList renderOutputFilenames(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record);

@@ -1,9 +1,10 @@
 #include "oxRenderToFile.h"
 
+#include "oxActiveRenderPasses.h"
 #include "oxController.h"
 #include "oxFile.h"
+#include "oxFileChecks.h"
 #include "oxFileIO.h"
-#include "oxActiveRenderPasses.h"
 #include "oxImageRenderWidget.h"
 #include "oxImageWriter.h"
 #include "oxLog.h"
@@ -17,6 +18,11 @@
 #include <algorithm>
 
 namespace {
+
+const char kExistingFilesMessage[] = "Files already exist. Choose another filename!\n%s\n";
+const char kWriteProtectedMessage[] = "Found write protected files.\n%s\n";
+
+QByteArray joinedLines(const QStringList& files) { return files.join(QLatin1Char('\n')).toUtf8(); }
 
 bool coversWholeImage(const std::array<float, 4>& region)
 {
@@ -121,4 +127,31 @@ bool renderPresetToFile(oxImageWriter& writer, const oxRenderSettingsPresetSPtr&
                                   savedRegion[2], savedRegion[3]);
     }
     return canceled;
+}
+
+void startRenderToFile(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& record,
+                       const oxRenderSettingsPreset* windowSettings, const QString& clusterHosts,
+                       bool alwaysOverride)
+{
+    if (!record)
+        return;
+    if (!oxImageWriter::isStreamOutput()) {
+        QStringList list;
+        walkRenderPlan(writer, record, list, PlanCollect, clusterHosts);
+        if (!alwaysOverride) {
+            const QStringList existing = filterExistingFiles(list);
+            if (!existing.isEmpty()) {
+                oxLog::error(kExistingFilesMessage, joinedLines(existing).constData());
+                return;
+            }
+        }
+        // A script has nobody to ask: protected files are named, and the writer reports each
+        // file it then fails to write.
+        const QStringList unwritable = filterUnwritableFiles(list);
+        if (!unwritable.isEmpty())
+            oxLog::warning(kWriteProtectedMessage, joinedLines(unwritable).constData());
+    }
+    writer.setNoOverwriteMessage(true);
+    renderPresetToFile(writer, record, windowSettings, clusterHosts);
+    writer.setNoOverwriteMessage(false);
 }

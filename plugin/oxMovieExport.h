@@ -58,6 +58,12 @@ public:
     /// Lets the user choose the output file of record; true when a name was taken, which
     /// then is the record's and the window's file name.
     bool chooseOutputFile(const oxRenderSettingsPresetSPtr& record);
+    /// Renders the window's current settings to files for a script: no dialogs, and existing
+    /// files stop the job unless alwaysOverride. Nothing without a window.
+    void startRenderToFile(bool alwaysOverride);
+    /// The files a render of the window's current settings would write, as scripts see them;
+    /// empty without a window.
+    QStringList getRenderOutputFilenames();
 
 public slots:
     /// Renders the current settings' whole job to files (the _render button, QuickRender).

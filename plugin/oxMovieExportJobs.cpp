@@ -117,6 +117,19 @@ void oxMovieExport::clickedRender()
     imageWriter->setNoOverwriteMessage(false);
 }
 
+void oxMovieExport::startRenderToFile(bool alwaysOverride)
+{
+    // Unlike the Render button, nobody is told: the script started it and knows.
+    ::startRenderToFile(*imageWriter, captureWindowSettings(), windowSettings(), clusterHosts(),
+                        alwaysOverride);
+}
+
+QStringList oxMovieExport::getRenderOutputFilenames()
+{
+    const oxRenderSettingsPresetSPtr record = captureWindowSettings();
+    return record ? renderOutputFilenames(*imageWriter, record) : QStringList();
+}
+
 void oxMovieExport::applyFirstSettings()
 {
     oxRenderSettings* window = renderSettingsWindow;

@@ -96,6 +96,11 @@ public:
     /// store, the scene data and the materials.
     void applyHeadlightPhotometric(bool on);
     void switchPhotometricFlag(bool on);
+    /// Moves the scene to a BRDF mode (0 separate diffuse and glossy, 1 with fresnel from the
+    /// glossy colour, 2 energy preserving GGX): the render parameter always, the material
+    /// system's class-wide mode and every material's BRDF bits when the class-wide mode
+    /// differs. True when a material was rewritten.
+    static bool switchBrdfMode(int mode);
     /// The named callback "oxRenderSettings::loadSettings": output keys of a message into the
     /// current record of instance(); nothing without a window or for an empty message.
     static void loadSettingsCallback(oxMessage& message);
@@ -324,6 +329,46 @@ public:
     /// was chosen.
     static bool showImageSizeMenu(QWidget* parent, const QPoint& position, int& width, int& height,
                                   double& dpi);
+
+    // Output settings as scripts reach them: by value and by name instead of through widgets.
+
+    /// Stores value in field of the current record and refreshes the form, statistics
+    /// included: a script's plain output setter.
+    template <typename T>
+    void setOutputSetting(T oxRenderSettingsPreset::*field, const T& value)
+    {
+        currentPreset.*field = value;
+        updateGUI();
+        updateRenderStatistics();
+    }
+    /// Renders through viewNode: its unique path below the camera pool's root goes into the
+    /// record (empty for null, the current view); then the form is refreshed.
+    void setView(osg::NodePtr viewNode);
+    /// setView with the first node of that name below the camera pool's root; a name no node
+    /// bears gives the current view.
+    void setViewByName(const std::string& viewName);
+    /// The name of the record's view node; the view chooser's text ("Current") when the record
+    /// has no view or it can't be found.
+    std::string getViewName() const;
+    /// Appends a variant set group of that name unless the record has one; false, after an
+    /// error line, when the name is reserved or ambiguous in the scene's variant set module.
+    bool addVariantSetGroup(const std::string& groupName);
+    /// The chosen sets of a group: replaced (the group added when missing; nothing when that
+    /// is refused) and read (empty for an unknown group).
+    void setActiveVariantSets(const std::string& groupName, const std::vector<std::string>& names);
+    std::vector<std::string> getActiveVariantSets(const std::string& groupName) const;
+    /// Removes every group of that name, or all groups, keeping the order of the others.
+    void removeVariantSetGroup(const std::string& groupName);
+    void clearVariantSetGroups();
+    /// The group names in the record's order.
+    std::vector<std::string> getVariantSetGroupNames() const;
+    /// Clears all pass flags, then sets those of the known names (scriptName of the pass
+    /// table; unknown names are skipped); refreshes also for an empty list.
+    void setRenderPasses(const std::vector<std::string>& names);
+    /// The names of the set pass flags, in the order scripts know them.
+    std::vector<std::string> getRenderPasses() const;
+    /// The names of the scene's clips, in order.
+    static std::vector<std::string> getClipNames();
 
 signals:
     /// A render queue job's settings were applied to the window.

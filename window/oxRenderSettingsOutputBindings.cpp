@@ -277,20 +277,51 @@ void oxRenderSettings::changedExportSpecularLightPass(bool on)
     changedExportPass(PassFlag::SpecularLight, on);
 }
 
+void oxRenderSettings::setRenderPasses(const std::vector<std::string>& names)
+{
+    for (bool oxRenderSettingsPreset::*field : kPassFlagFields)
+        currentPreset.*field = false;
+    for (const std::string& name : names) {
+        PassFlag flag;
+        if (findPassFlagByScriptName(name, flag))
+            currentPreset.passFlag(flag) = true;
+    }
+    updateGUI();
+    updateRenderStatistics();
+}
+
+std::vector<std::string> oxRenderSettings::getRenderPasses() const
+{
+    std::vector<std::string> names;
+    for (PassFlag flag : kPassFlagScriptOrder) {
+        if (currentPreset.getPassFlag(flag))
+            names.push_back(passFlagInfo(flag).scriptName());
+    }
+    return names;
+}
+
+std::vector<std::string> oxRenderSettings::getClipNames()
+{
+    std::vector<std::string> names;
+    if (oxAnimManager* manager = oxAnimManager::the()) {
+        if (osg::NodePtr root = manager->clipStructureRoot()) {
+            for (size_t i = 0; i < root->getNChildren(); ++i) {
+                if (osg::NodePtr clip = root->getChild(i))
+                    names.push_back(oxNodeUtils::getName(clip));
+            }
+        }
+    }
+    return names;
+}
+
 void oxRenderSettings::updateClipList()
 {
     const QString remembered = _animationCB->currentText();
     _animationCB->clear();
     quiet(_animationCB, [&remembered](QComboBox* box) {
         box->addItem(QString());
-        if (oxAnimManager* manager = oxAnimManager::the()) {
-            if (osg::NodePtr root = manager->clipStructureRoot()) {
-                for (size_t i = 0; i < root->getNChildren(); ++i) {
-                    if (osg::NodePtr clip = root->getChild(i))
-                        box->addItem(QString::fromStdString(oxNodeUtils::getName(clip)));
-                }
-            }
-        }
+        for (const std::string& clip : getClipNames())
+            box->addItem(QString::fromStdString(clip));
         const int found = box->findText(remembered);
         box->setCurrentIndex(found >= 0 ? found : 0);
     });
