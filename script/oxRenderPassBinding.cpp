@@ -192,7 +192,8 @@ void bindRenderPass()
     def(auxiliary, &setAuxiliary7, keywordsOf<7>(kAuxiliaryArgs), oxMovieExportDoc(auxiliary));
 
     def("setImageProcessingRenderPasses", &setImageProcessingRenderPasses,
-        keywordsOf<2>(kImageProcessingArgs), oxMovieExportDoc("setImageProcessingRenderPasses"));
+        oxScriptBinding::trailingKeywords<4>(kImageProcessingArgs),
+        oxMovieExportDoc("setImageProcessingRenderPasses"));
 
     def("resetActiveSnapshotMovieRenderPasses", &resetActiveSnapshotMovieRenderPasses,
         oxMovieExportDoc("resetActiveSnapshotMovieRenderPasses"));

@@ -49,4 +49,27 @@ inline boost::python::object bytesObject(const std::string& data)
         boost::python::handle<>(PyBytes_FromStringAndSize(data.data(), Py_ssize_t(data.size()))));
 }
 
+/// trailingKeywords with the first count of names: for a form that shares a longer form's
+/// list of names but names fewer of its arguments.
+template <std::size_t arity, std::size_t count, std::size_t size>
+boost::python::detail::keywords<arity> trailingKeywordsOf(const char* const (&names)[size])
+{
+    static_assert(count <= arity, "more keywords than arguments");
+    static_assert(count <= size, "more keywords than names");
+    const char* all[arity];
+    for (std::size_t i = 0; i < arity; ++i)
+        all[i] = i < arity - count ? "" : names[i - (arity - count)];
+    return keywordsFrom<arity>(all);
+}
+
+/// Keywords for a command of arity arguments whose last arguments are named by names. The
+/// arguments before them get empty names: left without any, Boost.Python would read a missing
+/// name on a call with keywords and crash. No script can type an empty keyword, so they stay
+/// positional and naming them is an ordinary TypeError.
+template <std::size_t arity, std::size_t count>
+boost::python::detail::keywords<arity> trailingKeywords(const char* const (&names)[count])
+{
+    return trailingKeywordsOf<arity, count>(names);
+}
+
 } // namespace oxScriptBinding

@@ -57,12 +57,12 @@ void bindSnapshot()
                              bool, bool, bool)>(&createSnapshot),
         keywordsOf<13>(kLongFileArgs));
     // The float-size form has 14 arguments but only the 13 names of the form before it.
-    // Boost.Python gives names to the last arguments, so here "filename" names the width and
-    // so on; existing scripts call it that way, so the short list stays.
+    // They name the last arguments, so here "filename" names the width and so on; existing
+    // scripts call it that way, so the short list stays. The first argument has no name.
     def(name,
         static_cast<bool (*)(const char*, float, float, int, bool, float, float, float, float, bool,
                              bool, bool, bool, const char*)>(&createSnapshot),
-        keywordsOf<13>(kLongFileArgs));
+        oxScriptBinding::trailingKeywordsOf<14, 13>(kLongFileArgs));
     def(name,
         static_cast<bool (*)(const char*, int, int, int, bool, float, float, float, float, bool,
                              bool, bool, bool, const char*)>(&createSnapshot),

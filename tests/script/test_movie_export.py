@@ -90,6 +90,11 @@ def test_docstrings_with_fixed_wording():
     lambda: ox.setIlluminationChannelsRenderPasses(diffuse_ibl_pass=True),
     lambda: ox.setImageProcessingRenderPasses(fog_pass=True, lens_flare_pass=True),
     lambda: ox.createSnapshotStream(mime_type="png", width=32, height=24),
+    # Every keyword of the long form with float sizes: one more than the float form names.
+    lambda: ox.createSnapshot(filename="a.png", width=32.0, height=24.0, ssf=0, alpha=False,
+                              alphaRed=0.0, alphaGreen=0.0, alphaBlue=0.0, dpi=72.0,
+                              overwrite=True, showImage=False, alpha_premultiply=False,
+                              tonemap_hdr=False, cluster_host=""),
 ])
 def test_wrong_arguments_raise_type_error(call):
     with pytest.raises(TypeError, match="did not match C\\+\\+ signature"):
