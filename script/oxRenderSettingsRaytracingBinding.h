@@ -1,0 +1,4 @@
+#pragma once
+
+/// The raytracing family of the oxRenderSettings script module.
+void bindRenderSettingsRaytracing();
