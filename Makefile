@@ -46,7 +46,8 @@ test-asan: deps $(ASAN_DIR)/build.ninja
 	    ctest $(CTEST_FLAGS) -j $(JOBS)
 
 # The main job on the built-in example: writes the example scene, opens it headless with the
-# plug-ins, lists what it offers to a render job and renders it (a PNG and a multi-layer EXR).
+# plug-ins, lists what it offers to a render job and renders it (a PNG and a multi-layer EXR),
+# then runs the scripted configurator job (viewpoints x variant sets x passes).
 DEMO_PASSES = beauty,albedo,normal,camera_normal,depth,position,view,occlusion,materialID,mask,$\
     background_color,cryptoObject00,cryptoObject01,cryptoObject02,$\
     cryptoMaterial00,cryptoMaterial01,cryptoMaterial02
@@ -61,6 +62,8 @@ demo: build
 	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp \
 	    --snapshot $(DEMO_DIR)/showroom_passes.exr --size 640x360 --samples 16 \
 	    --view "Rear Three-Quarter" --passes $(DEMO_PASSES)
+	$(BUILD_DIR)/bin/oxlin --no-gui --prefs-dir $(DEMO_DIR)/prefs $(DEMO_DIR)/example/showroom.oxp \
+	    --script examples/configurator_job.py -- $(DEMO_DIR)/configurator
 
 # Offscreen PNGs of the Render Settings window for review, in $(BUILD_DIR)/screenshots.
 screenshots: build

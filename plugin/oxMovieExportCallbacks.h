@@ -16,6 +16,13 @@ void exportSnapshotCB(oxMessage& message);
 /// "oxMovieExport::clickedAddToRenderQueue": the render queue button, for other modules.
 void clickedAddToRenderQueueCB(oxMessage& message);
 
+/// "oxMovieExport::listOutputFiles": the files ("files", string list) a render to file of the
+/// window's settings, or of the preset "preset" taken into the window, would write.
+void listOutputFilesCB(oxMessage& message);
+/// "oxMovieExport::renderOutputFiles": renders them; existing files stop the job unless
+/// "overwrite". Sets "files" when every file was written, else "error" (string).
+void renderOutputFilesCB(oxMessage& message);
+
 /// The callbacks in registration order.
 inline constexpr oxNamedCallback kMovieExportCallbacks[] = {
     {"checkFileWritingForPresets", checkFileWritingForPresetsCB},
@@ -23,4 +30,6 @@ inline constexpr oxNamedCallback kMovieExportCallbacks[] = {
     {"oxMovieExport::exportMovie", exportMovieCB},
     {"oxMovieExport::exportSnapshot", exportSnapshotCB},
     {"oxMovieExport::clickedAddToRenderQueue", clickedAddToRenderQueueCB},
+    {"oxMovieExport::listOutputFiles", listOutputFilesCB},
+    {"oxMovieExport::renderOutputFiles", renderOutputFilesCB},
 };

@@ -69,6 +69,13 @@ const char kUsage[] =
     "                        with its status (0, 1 after an uncaught exception, n for\n"
     "                        sys.exit(n)); sys.argv is SCRIPT and the ARGs after --\n"
     "  --python CODE         the same for the Python code CODE (sys.argv[0] is '-c')\n"
+    "  --list-outputs        print the files a render to file of the scene's render settings\n"
+    "                        would write, one per line in render order, and exit\n"
+    "  --render              render those files (with a progress bar) and exit; non-zero when\n"
+    "                        a file exists (unless --overwrite) or couldn't be written\n"
+    "  --preset NAME         with --list-outputs or --render: the settings of the preset NAME\n"
+    "                        of the preset file instead of the scene's\n"
+    "  --overwrite           with --render: replace existing files\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -94,6 +101,10 @@ struct Options {
     std::string python;
     bool hasPython = false;
     std::vector<std::string> scriptArguments;
+    bool listOutputs = false;
+    bool render = false;
+    bool overwrite = false;
+    std::string preset;
 };
 
 // Parses argv; false with a message on standard error for anything it doesn't know.
@@ -147,6 +158,15 @@ bool parseOptions(int argc, char** argv, Options& options)
         } else if (arg == "--") {
             options.scriptArguments.assign(argv + i + 1, argv + argc);
             break;
+        } else if (arg == "--list-outputs") {
+            options.listOutputs = true;
+        } else if (arg == "--render") {
+            options.render = true;
+        } else if (arg == "--overwrite") {
+            options.overwrite = true;
+        } else if (arg == "--preset") {
+            if (!value(options.preset))
+                return false;
         } else if (arg == "--list-scene") {
             options.listScene = true;
         } else if (arg == "--snapshot" || arg == "--size" || arg == "--passes" || arg == "--view" ||
@@ -167,6 +187,15 @@ bool parseOptions(int argc, char** argv, Options& options)
     }
     if (!options.script.empty() && options.hasPython) {
         std::fprintf(stderr, "oxlin: --script and --python exclude each other\n");
+        return false;
+    }
+    if (options.listOutputs && options.render) {
+        std::fprintf(stderr, "oxlin: --list-outputs and --render exclude each other\n");
+        return false;
+    }
+    if ((!options.preset.empty() || options.overwrite) && !options.listOutputs && !options.render) {
+        std::fprintf(stderr,
+                     "oxlin: --preset and --overwrite go with --list-outputs or --render\n");
         return false;
     }
     if (!options.scriptArguments.empty() && options.script.empty() && !options.hasPython) {
@@ -324,6 +353,39 @@ int runScript(const Options& options, const std::string& code)
     return outcome.exitCode;
 }
 
+// Lists or renders the files of the Render Settings plug-in's render job, through the named
+// callbacks the plug-in offers for it; the exit status of oxlin.
+int runRenderJob(const Options& options)
+{
+    const char* callback =
+        options.listOutputs ? "oxMovieExport::listOutputFiles" : "oxMovieExport::renderOutputFiles";
+    const char* option = options.listOutputs ? "--list-outputs" : "--render";
+    oxMessage message;
+    if (!options.preset.empty())
+        message.set("preset", QString::fromStdString(options.preset));
+    message.set("overwrite", options.overwrite);
+    if (!oxController::call(callback, message)) {
+        std::fprintf(stderr, "oxlin: %s needs the Render Settings plug-in, which isn't loaded\n",
+                     option);
+        return 1;
+    }
+    std::string error;
+    if (message.has("error") && message.get("error", error) && !error.empty()) {
+        std::fprintf(stderr, "oxlin: %s\n", error.c_str());
+        return 1;
+    }
+    std::vector<std::string> files;
+    message.get("files", files);
+    if (options.listOutputs) {
+        for (const std::string& file : files)
+            std::printf("%s\n", file.c_str());
+    } else {
+        std::printf("Rendered %zu file%s.\n", files.size(), files.size() == 1 ? "" : "s");
+    }
+    std::fflush(stdout);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -357,7 +419,7 @@ int main(int argc, char** argv)
     if (!options.script.empty() && !readScript(options.script, scriptCode))
         return 2;
 
-    if (!options.snapshot.empty())
+    if (!options.snapshot.empty() || options.listOutputs || options.render)
         options.noGUI = true;
     if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
@@ -409,6 +471,8 @@ int main(int argc, char** argv)
         } else if (result == 0 && options.listScene) {
             std::fputs(oxSceneIO::describe(oxScene::current()).c_str(), stdout);
             std::fflush(stdout);
+        } else if (result == 0 && (options.listOutputs || options.render)) {
+            result = runRenderJob(options);
         } else if (result == 0 && runsScript && options.noGUI) {
             result = runScript(options, scriptCode);
             // Work the script left for the event loop (deferred starts) still runs.

@@ -16,10 +16,11 @@ JPEG_SIGNATURE = b"\xff\xd8\xff"
 @pytest.fixture
 def run_oxlin(tmp_path):
     """Runs `oxlin --no-gui` on a script text (written to tmp_path/job.py) with the given
-    arguments after `--`; `options` go before the script (a scene file, --python, ...).
+    arguments after `--`; `options` go before the script (a scene file, --python, ...), `env`
+    adds to the environment.
     Returns the finished process with text stdout and stderr."""
 
-    def run(script, *args, options=(), timeout=300):
+    def run(script, *args, options=(), timeout=300, env=None):
         command = [OXLIN, "--no-gui", "--prefs-dir", str(tmp_path / "prefs"), *options]
         if script is not None:
             path = tmp_path / "job.py"
@@ -28,7 +29,8 @@ def run_oxlin(tmp_path):
         if args:
             command += ["--", *args]
         return subprocess.run(command, capture_output=True, text=True, timeout=timeout,
-                              stdin=subprocess.DEVNULL)
+                              stdin=subprocess.DEVNULL,
+                              env=None if env is None else {**os.environ, **env})
 
     return run
 
