@@ -188,6 +188,9 @@ void insertTimestamp(const oxRenderSettingsPresetSPtr& record, QString& path)
 
 QString withoutLongPathPrefix(QString name)
 {
+    // Most names have none: don't search a million of them for nothing.
+    if (!name.contains(QLatin1Char('?')))
+        return name;
     return name.remove(QLatin1String(kLongPathPrefix), Qt::CaseSensitive);
 }
 

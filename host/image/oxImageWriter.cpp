@@ -23,6 +23,7 @@
 #include <QPixmap>
 
 #include <algorithm>
+#include <cstring>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -94,12 +95,6 @@ void splitExtension(const QString& path, QString& stem, QString& extension)
     }
 }
 
-QString frameText(int frame)
-{
-    QString digits = QString::number(std::abs(frame)).rightJustified(4, '0');
-    return frame < 0 ? "-" + digits : digits;
-}
-
 std::vector<unsigned> knownPasses(const std::vector<unsigned>& passIds)
 {
     std::vector<unsigned> known;
@@ -110,21 +105,91 @@ std::vector<unsigned> knownPasses(const std::vector<unsigned>& passIds)
 }
 
 // The one composition of output names; getExportedImageFilenames and the export both use it.
+// What depends on the path and the passes only is worked out once, so that a long sequence
+// costs one string per name.
+class UnitNamer {
+public:
+    UnitNamer(const QString& path, const std::vector<unsigned>& passIds, bool multiLayer)
+        : m_passes(knownPasses(passIds)),
+          m_oneFile(m_passes.empty() || (multiLayer && oxImageWriter::isMultilayerSupported(path)))
+    {
+        splitExtension(path, m_stem, m_extension);
+    }
+
+    /// The files of one unit: a still (sequence false) or one frame of a sequence.
+    std::vector<UnitFile> files(bool sequence, int frame) const
+    {
+        std::vector<UnitFile> result;
+        if (m_oneFile)
+            result.push_back({name(nullptr, sequence, frame), m_passes});
+        else
+            for (unsigned id : m_passes)
+                result.push_back({name(oxImagePasses::name(id), sequence, frame), {id}});
+        return result;
+    }
+
+    /// Appends the names of the files of one unit to names.
+    void appendNames(QStringList& names, bool sequence, int frame) const
+    {
+        if (m_oneFile)
+            names.append(name(nullptr, sequence, frame));
+        else
+            for (unsigned id : m_passes)
+                names.append(name(oxImagePasses::name(id), sequence, frame));
+    }
+
+    size_t filesPerUnit() const { return m_oneFile ? 1 : m_passes.size(); }
+
+private:
+    // STEM[.PASS][.FRAME]EXT; frames have at least four digits. Built in one allocation of the
+    // exact size: a job may name a million files.
+    QString name(const char* pass, bool sequence, int frame) const
+    {
+        char digits[16];
+        int digitCount = 0;
+        if (sequence) {
+            // Digits backwards into the end of the buffer, zero-padded to four.
+            unsigned long long value = frame < 0 ? 0ULL - static_cast<unsigned long long>(frame)
+                                                 : static_cast<unsigned long long>(frame);
+            char* end = digits + sizeof(digits);
+            char* p = end;
+            do {
+                *--p = char('0' + value % 10);
+                value /= 10;
+            } while (value);
+            while (end - p < 4)
+                *--p = '0';
+            if (frame < 0)
+                *--p = '-';
+            digitCount = int(end - p);
+        }
+        const int passLength = pass ? int(std::strlen(pass)) : 0;
+        QString result;
+        result.reserve(m_stem.size() + (pass ? 1 + passLength : 0) +
+                       (sequence ? 1 + digitCount : 0) + m_extension.size());
+        result += m_stem;
+        if (pass) {
+            result += QLatin1Char('.');
+            result += QLatin1String(pass, passLength);
+        }
+        if (sequence) {
+            result += QLatin1Char('.');
+            result += QLatin1String(digits + sizeof(digits) - digitCount, digitCount);
+        }
+        result += m_extension;
+        return result;
+    }
+
+    QString m_stem;
+    QString m_extension;
+    std::vector<unsigned> m_passes;
+    bool m_oneFile;
+};
+
 std::vector<UnitFile> unitFiles(const QString& path, const std::vector<unsigned>& passIds,
                                 bool multiLayer, bool sequence, int frame)
 {
-    QString stem, extension;
-    splitExtension(path, stem, extension);
-    const QString framePart = sequence ? "." + frameText(frame) : QString();
-    const std::vector<unsigned> passes = knownPasses(passIds);
-    if (passes.empty())
-        return {{stem + framePart + extension, {}}};
-    if (multiLayer && oxImageWriter::isMultilayerSupported(path))
-        return {{stem + framePart + extension, passes}};
-    std::vector<UnitFile> files;
-    for (unsigned id : passes)
-        files.push_back({stem + "." + oxImagePasses::name(id) + framePart + extension, {id}});
-    return files;
+    return UnitNamer(path, passIds, multiLayer).files(sequence, frame);
 }
 
 std::vector<int> frameList(int start, int stop, int step)
@@ -245,8 +310,7 @@ QStringList oxImageWriter::getExportedImageFilenames(QString path,
                                                      bool multiLayer) const
 {
     QStringList names;
-    for (const UnitFile& file : unitFiles(path, passIds, multiLayer, false, 0))
-        names << file.name;
+    UnitNamer(path, passIds, multiLayer).appendNames(names, false, 0);
     return names;
 }
 
@@ -255,10 +319,12 @@ QStringList oxImageWriter::getExportedImageFilenames(QString path,
                                                      bool multiLayer, int start, int stop,
                                                      int step) const
 {
+    const UnitNamer namer(path, passIds, multiLayer);
+    const std::vector<int> frames = frameList(start, stop, step);
     QStringList names;
-    for (int frame : frameList(start, stop, step))
-        for (const UnitFile& file : unitFiles(path, passIds, multiLayer, true, frame))
-            names << file.name;
+    names.reserve(int(frames.size() * namer.filesPerUnit()));
+    for (int frame : frames)
+        namer.appendNames(names, true, frame);
     return names;
 }
 
