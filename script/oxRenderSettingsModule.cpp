@@ -1,22 +1,18 @@
-#include "oxScriptBinding.h"
+// The script module oxRenderSettings: the Render Settings window's output and raytracing
+// settings, and the start of a render.
+
+#include "oxScriptModule.h"
 
 #include "oxRenderSettingsOutputBinding.h"
 #include "oxRenderSettingsRaytracingBinding.h"
-
-#include "oxPythonRegister.h"
-#include "oxScript.h"
 
 namespace {
 
 const char kModuleName[] = "oxRenderSettings";
 
-void initModule()
+// The output family first, then the raytracing family: the module's command order.
+void bindCommands()
 {
-    // Script editors show the hand-written docstrings; generated signatures would only
-    // repeat the C++ types.
-    const boost::python::docstring_options docstrings(true, false, false);
-
-    // The output family first, then the raytracing family: the module's command order.
     bindRenderSettingsOutput();
     bindRenderSettingsRaytracing();
 }
@@ -25,29 +21,9 @@ void initModule()
 
 extern "C" BOOST_SYMBOL_EXPORT PyObject* PyInit_oxRenderSettings()
 {
-    static PyModuleDef_Base base = PyModuleDef_HEAD_INIT;
-    static PyMethodDef noMethods[] = {{nullptr, nullptr, 0, nullptr}};
-    static PyModuleDef definition = {base,    kModuleName, nullptr, -1,     noMethods,
-                                     nullptr, nullptr,     nullptr, nullptr};
-    return boost::python::detail::init_module(definition, &initModule);
+    return oxScriptModule::create<&bindCommands>(kModuleName);
 }
 
 namespace {
-
-// Built into the interpreter before it starts, then imported and star-imported so that the
-// host's scripts call the commands without a prefix.
-const oxPythonRegister registrar([](oxPythonRegisterFactory::Level level) {
-    switch (level) {
-    case oxPythonRegisterFactory::BeforeInitialize:
-        PyImport_AppendInittab(kModuleName, &PyInit_oxRenderSettings);
-        break;
-    case oxPythonRegisterFactory::AfterInitialize:
-        oxScript::run("import oxRenderSettings");
-        oxScript::run("from oxRenderSettings import *");
-        break;
-    default:
-        break;
-    }
-});
-
+const oxScriptModuleRegistrar registrar(kModuleName, &PyInit_oxRenderSettings);
 } // namespace
