@@ -2,6 +2,8 @@
 
 #include "oxOutputTestSupport.h"
 
+#include <OpenImageIO/imageio.h>
+
 namespace {
 
 std::vector<std::string> renderNotices;
@@ -146,4 +148,34 @@ TEST_F(RenderJobTest, FirstSettingsActivateEachTrackViewpointWithTheFirstTuple)
     EXPECT_EQ(oxTraced("oxCameraService::activateViewpoint"), viewpoints);
     EXPECT_EQ(oxTraced("oxVariants::selectVariantSet"), sets);
     EXPECT_EQ(source.renders, 0);
+}
+
+TEST_F(RenderJobTest, CommandLineJobTakesANamedPresetOfThePresetFile)
+{
+    // A preset of the preset file that renders at another size than the window's settings;
+    // taking it is choosing it in the preset menu, which keeps the window's output name.
+    auto preset = std::make_shared<oxRenderSettingsPreset>(*record());
+    preset->name = "Thumbnail";
+    preset->pixel_width = 12.0f;
+    preset->pixel_height = 10.0f;
+    // As a preset saved from the window holds them (the test's host starts with none).
+    preset->filterWidth = preset->filterHeight = 1.0f;
+    window()->getPresets().push_back(preset);
+    const std::vector<std::string> expected{current().filename};
+
+    oxMessage listing;
+    listing.set("preset", QStringLiteral("Thumbnail"));
+    ASSERT_TRUE(oxController::call("oxMovieExport::listOutputFiles", listing));
+    std::vector<std::string> files;
+    ASSERT_TRUE(listing.get("files", files));
+    EXPECT_EQ(files, expected);
+
+    oxMessage render;
+    render.set("preset", QStringLiteral("Thumbnail"));
+    ASSERT_TRUE(oxController::call("oxMovieExport::renderOutputFiles", render));
+    EXPECT_FALSE(render.has("error"));
+    auto input = OIIO::ImageInput::open(expected.front());
+    ASSERT_TRUE(input);
+    EXPECT_EQ(input->spec().width, 12);
+    EXPECT_EQ(input->spec().height, 10);
 }
