@@ -23,12 +23,9 @@
 #include "oxScript.h"
 #include "oxSceneIO.h"
 #include "oxSceneServices.h"
-#include "oxTBBInit.h"
 
 #include <QApplication>
 #include <QTimer>
-
-#include <oneapi/tbb/global_control.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -439,10 +436,6 @@ int main(int argc, char** argv)
         oxCallTrace::setEcho(true);
     }
 
-    // Held from the start so that the renderer's worker threads can be joined at the end: none
-    // of them may still be running while the process exits.
-    tbb::task_scheduler_handle workerThreads{tbb::attach{}};
-
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("oxlin"));
     QApplication::setApplicationVersion(oxPlatform::getVersion());
@@ -505,9 +498,5 @@ int main(int argc, char** argv)
     renderQueue.reset();
     mainWindow.reset();
     oxLog::setLogFile(std::string());
-    // Our own limit on the worker threads is a control that would keep them from being joined.
-    oxTBBInit::the().setCoreUsageLimit(0);
-    if (!tbb::finalize(workerThreads, std::nothrow))
-        oxLog::debug("The renderer's worker threads couldn't be joined before the exit");
     return result;
 }
