@@ -2,6 +2,38 @@
 
 #include <cstring>
 
+// The arguments that renderAnimation and renderStepAnimation share, written once.
+#define OX_ANIMATION_ARGUMENT_DOCS                                                                 \
+    "@param animation: Name of the animation to render.\n\n"                                       \
+    "@type animation: string\n\n"                                                                  \
+    "@param filename: Name of the images. Each image gets its frame number before the "            \
+    "extension.\n\n"                                                                               \
+    "@type filename: string\n\n"                                                                   \
+    "@param width: Width of the images in pixels.\n\n"                                             \
+    "@type width: integer\n\n"                                                                     \
+    "@param height: Height of the images in pixels.\n\n"                                           \
+    "@type height: integer\n\n"                                                                    \
+    "@param fps: Frames per second.\n\n"                                                           \
+    "@type fps: integer\n\n"                                                                       \
+    "@param startFrame: First frame to render.\n\n"                                                \
+    "@type startFrame: integer\n\n"                                                                \
+    "@param stopFrame: Last frame to render.\n\n"                                                  \
+    "@type stopFrame: integer\n\n"                                                                 \
+    "@param ssf: Supersampling factor. Any value greater than 0 enables supersampling.\n\n"        \
+    "@type ssf: integer\n\n"                                                                       \
+    "@param alpha: If true the images get an alpha channel.\n\n"                                   \
+    "@type alpha: bool\n\n"                                                                        \
+    "@param alphaRed: Red component of the color behind transparent pixels.\n\n"                   \
+    "@type alphaRed: float\n\n"                                                                    \
+    "@param alphaGreen: Green component of the color behind transparent pixels.\n\n"               \
+    "@type alphaGreen: float\n\n"                                                                  \
+    "@param alphaBlue: Blue component of the color behind transparent pixels.\n\n"                 \
+    "@type alphaBlue: float\n\n"                                                                   \
+    "@param overwrite: If true existing files are overwritten without asking.\n\n"                 \
+    "@type overwrite: bool\n\n"                                                                    \
+    "@param alpha_premultiply: If true the colors are premultiplied with alpha.\n\n"               \
+    "@type alpha_premultiply: bool\n\n"
+
 namespace {
 
 struct CommandDoc {
@@ -166,69 +198,12 @@ const CommandDoc kCommandDocs[] = {
      "AVI.\n\n"
      "@type export_type: integer"},
     {"renderAnimation",
-     "Renders a range of frames of an animation into images.\n\n"
-     "@param animation: Name of the animation to render.\n\n"
-     "@type animation: string\n\n"
-     "@param filename: Name of the images. Each image gets its frame number before the "
-     "extension.\n\n"
-     "@type filename: string\n\n"
-     "@param width: Width of the images in pixels.\n\n"
-     "@type width: integer\n\n"
-     "@param height: Height of the images in pixels.\n\n"
-     "@type height: integer\n\n"
-     "@param fps: Frames per second.\n\n"
-     "@type fps: integer\n\n"
-     "@param startFrame: First frame to render.\n\n"
-     "@type startFrame: integer\n\n"
-     "@param stopFrame: Last frame to render.\n\n"
-     "@type stopFrame: integer\n\n"
-     "@param ssf: Supersampling factor. Any value greater than 0 enables supersampling.\n\n"
-     "@type ssf: integer\n\n"
-     "@param alpha: If true the images get an alpha channel.\n\n"
-     "@type alpha: bool\n\n"
-     "@param alphaRed: Red component of the color behind transparent pixels.\n\n"
-     "@type alphaRed: float\n\n"
-     "@param alphaGreen: Green component of the color behind transparent pixels.\n\n"
-     "@type alphaGreen: float\n\n"
-     "@param alphaBlue: Blue component of the color behind transparent pixels.\n\n"
-     "@type alphaBlue: float\n\n"
-     "@param overwrite: If true existing files are overwritten without asking.\n\n"
-     "@type overwrite: bool\n\n"
-     "@param alpha_premultiply: If true the colors are premultiplied with alpha.\n\n"
-     "@type alpha_premultiply: bool\n\n"
+     "Renders a range of frames of an animation into images.\n\n" OX_ANIMATION_ARGUMENT_DOCS
      "@param tonemap_hdr: Optional. If true high dynamic range images are tonemapped.\n\n"
      "@type tonemap_hdr: bool"},
     {"renderStepAnimation",
-     "Renders every step-th frame of a range of frames of an animation into images.\n\n"
-     "@param animation: Name of the animation to render.\n\n"
-     "@type animation: string\n\n"
-     "@param filename: Name of the images. Each image gets its frame number before the "
-     "extension.\n\n"
-     "@type filename: string\n\n"
-     "@param width: Width of the images in pixels.\n\n"
-     "@type width: integer\n\n"
-     "@param height: Height of the images in pixels.\n\n"
-     "@type height: integer\n\n"
-     "@param fps: Frames per second.\n\n"
-     "@type fps: integer\n\n"
-     "@param startFrame: First frame to render.\n\n"
-     "@type startFrame: integer\n\n"
-     "@param stopFrame: Last frame to render.\n\n"
-     "@type stopFrame: integer\n\n"
-     "@param ssf: Supersampling factor. Any value greater than 0 enables supersampling.\n\n"
-     "@type ssf: integer\n\n"
-     "@param alpha: If true the images get an alpha channel.\n\n"
-     "@type alpha: bool\n\n"
-     "@param alphaRed: Red component of the color behind transparent pixels.\n\n"
-     "@type alphaRed: float\n\n"
-     "@param alphaGreen: Green component of the color behind transparent pixels.\n\n"
-     "@type alphaGreen: float\n\n"
-     "@param alphaBlue: Blue component of the color behind transparent pixels.\n\n"
-     "@type alphaBlue: float\n\n"
-     "@param overwrite: If true existing files are overwritten without asking.\n\n"
-     "@type overwrite: bool\n\n"
-     "@param alpha_premultiply: If true the colors are premultiplied with alpha.\n\n"
-     "@type alpha_premultiply: bool\n\n"
+     "Renders every step-th frame of a range of frames of an animation into "
+     "images.\n\n" OX_ANIMATION_ARGUMENT_DOCS
      "@param step: Number of frames to advance after each rendered frame.\n\n"
      "@type step: integer"},
     {"setActiveSnapshotMovieRenderPasses",
@@ -397,3 +372,5 @@ const char* oxMovieExportDoc(const char* command)
     }
     return nullptr;
 }
+
+#undef OX_ANIMATION_ARGUMENT_DOCS
