@@ -30,6 +30,28 @@ public:
     /// switch choices, then (unless skipView) its viewpoint. False when there is no such set;
     /// targets that no longer exist are skipped with a warning.
     static bool selectVariantSet(const char* name, bool skipView);
+
+    // Editing the variant set module. Each change marks the scene modified, calls the named
+    // functions that announce it ("variantSetRenamed", "variantGroupRenamed" first, with
+    // "oldName", "newName" and for a set "groupName"; then one of "variantSetAdded",
+    // "variantSetChanged", "variantSetRemoved", "variantGroupAdded", "variantGroupChanged",
+    // "variantGroupRemoved") and emits oxVariantSetsService::variantSetHierarchyChanged.
+    // A refused change logs why and returns false.
+
+    /// Renames a set; refused for an unknown or empty name or one another set bears.
+    static bool renameVariantSet(const std::string& oldName, const std::string& newName);
+    /// Renames a group; refused for an unknown or empty name or one another group bears.
+    static bool renameVariantGroup(const std::string& oldName, const std::string& newName);
+    /// Moves a set into the group groupName ("" for no group); refused for an unknown set or
+    /// group.
+    static bool moveVariantSet(const std::string& name, const std::string& groupName);
+    /// A new set without changes at the end of group groupName ("" for no group).
+    static bool addVariantSet(const std::string& name, const std::string& groupName);
+    /// A new empty group at the end.
+    static bool addVariantGroup(const std::string& name);
+    /// Removes a set, or a group (its sets stay, without group).
+    static bool removeVariantSet(const std::string& name);
+    static bool removeVariantGroup(const std::string& name);
 };
 
 /// The variant set module as a service: tells listeners when sets or groups change.
