@@ -13,13 +13,13 @@
 #include "oxRenderSettingsForm.h"
 #include "oxRenderSettingsKeys.h"
 #include "oxRenderSettingsPresetFile.h"
+#include "oxVariantSetTree.h"
 
 #include <QAction>
 #include <QActionGroup>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTreeWidget>
 
 #include <cmath>
 
@@ -90,11 +90,8 @@ oxRenderSettings::oxRenderSettings(const QString& title, oxImageWriter* writer,
     oxRenderAutomationVariantSetGroup::init();
     setupUi(this);
 
-    // The variant set tree of the later variant selection stands here as a plain tree.
-    variantSetTree = new QTreeWidget(_variantsCFPage);
+    variantSetTree = new oxVariantSetTree(_variantsCFPage);
     variantSetTree->setObjectName(QStringLiteral("_variantSetTree"));
-    variantSetTree->setHeaderHidden(true);
-    variantSetTree->setMinimumHeight(120);
     _variantTreeLayout->addWidget(variantSetTree);
 
     presetGUI = new oxPresetGUII(this);

@@ -2,6 +2,7 @@
 
 #include "oxRenderJobMessage.h"
 #include "oxRenderSettingsPreset.h"
+#include "oxdObject.h"
 #include "ui_oxRenderSettingsGUI.h"
 
 #include <QMainWindow>
@@ -11,7 +12,7 @@
 class QAbstractButton;
 class QAction;
 class QActionGroup;
-class QTreeWidget;
+class oxVariantSetTree;
 class oxImageWriter;
 class oxMessage;
 class oxMovieExport;
@@ -52,8 +53,8 @@ public:
 
     /// Entry of the window in the host's window menu.
     QAction* getWindowAction() const { return windowAction; }
-    /// Placeholder of the variant set tree, in _variantTreeLayout.
-    QTreeWidget* getVariantSetTree() const { return variantSetTree; }
+    /// The tree of the chosen variant sets, in _variantTreeLayout.
+    oxVariantSetTree* getVariantSetTree() const { return variantSetTree; }
     oxPresetGUII* getPresetGUI() const { return presetGUI; }
     QActionGroup* getPresetActionGroup() const { return presetActionGroup; }
 
@@ -167,6 +168,39 @@ public slots:
     void refreshVariantSetGui();
     void refreshRenderStatistics();
     void readBackVariantSetTree();
+
+    // The variant set selection, as the tree and the variant set module change it.
+
+    /// Adds each named set to the entry of its group ("ungrouped" for a set without group),
+    /// the entry created when missing; unknown names are skipped, names that can't be part of
+    /// a file name are left out and shown in one warning box.
+    void addVariantSets(const QStringList& names);
+    /// Sets and groups of the variant set module, as dropped or handed over by the host.
+    void addVariantSetObjects(const QList<oxdVariantSetBase>& objects);
+    /// Appends every group of the module, in the module's order.
+    void addAllVariantSetGroups();
+    /// Takes the order of the groups from the tree after a group was dragged; nothing when the
+    /// tree and the selection don't hold the same groups.
+    void reorderVariantSetGroups();
+    /// Drops the names (and then the groups) that the variant set module no longer has, each
+    /// with an error line, then refreshes. Returns whether something was dropped.
+    bool validateVariantSets();
+    /// The module changed: validation, then a refresh of the display.
+    void onVariantSetsChanged();
+    /// A set or group of the module was renamed: the selection follows the new name.
+    void variantSetRenamed(const std::string& oldName, const std::string& newName,
+                           const std::string& groupName);
+    void variantGroupRenamed(const std::string& oldName, const std::string& newName);
+    /// Writes the selection to a configuration file, or replaces it with one read back
+    /// (validated); the slots ask for the file. A file that can't be written or read leaves
+    /// everything as it was, with an error line naming the file.
+    void saveVariantSetConfiguration();
+    void loadVariantSetConfiguration();
+    bool saveVariantSetConfiguration(const QString& path);
+    bool loadVariantSetConfiguration(const QString& path);
+    /// The tick boxes "Render Variant Sets" and "Use View From Variant Set".
+    void changedVariantSetsUsed(int state);
+    void changedVariantSetViewpointsUsed(int state);
 
     /// Re-reads the host's parameters after the scene replaced them, and refreshes.
     void refreshHostParameters();
@@ -396,6 +430,13 @@ private:
     void connectQualityBindings();
     void connectDisplayBindings();
     void connectImageSize();
+    void connectVariantSets();
+    void disconnectVariantSets();
+    /// The warning box for variant set names that can't be part of a file name; nothing for an
+    /// empty list.
+    void showBadVariantSetNames(const QStringList& names);
+    /// The example file name and naming scheme under the tree.
+    void updateVariantSetExampleLabels();
     void fillImageSizes();
     void updateOutputWidgets();
     void updateRaytracingWidgets();
@@ -420,7 +461,7 @@ private:
 
     // In the order the window's data are laid out; see the constructor for the order of
     // construction.
-    QTreeWidget* variantSetTree = nullptr;
+    oxVariantSetTree* variantSetTree = nullptr;
     QAction* windowAction = nullptr;
     oxMovieExport* movieExport = nullptr;
     oxImageWriter* imageWriter = nullptr;

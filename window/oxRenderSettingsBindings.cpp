@@ -18,7 +18,6 @@
 #include "oxSceneServices.h"
 
 #include <QTabWidget>
-#include <QTreeWidget>
 
 #include <array>
 
@@ -79,9 +78,14 @@ void oxRenderSettings::connectBindings()
     addCallbacks(kWindowCallbacks);
 
     connectImageSize();
+    connectVariantSets();
 }
 
-void oxRenderSettings::disconnectBindings() { removeCallbacks(kWindowCallbacks); }
+void oxRenderSettings::disconnectBindings()
+{
+    disconnectVariantSets();
+    removeCallbacks(kWindowCallbacks);
+}
 
 void oxRenderSettings::refreshLive()
 {
@@ -107,24 +111,6 @@ void oxRenderSettings::updateGUI()
 
 // ---------------------------------------------------------------------------------------------
 // Refreshes requested through the timers and by the host
-
-void oxRenderSettings::refreshVariantSetGui()
-{
-    // The variant set display is built by the variant selection; until then the tree shows
-    // what it holds.
-    variantSetTree->viewport()->update();
-}
-
-void oxRenderSettings::refreshRenderStatistics()
-{
-    // The statistics text is written by the statistics display, which isn't part of this
-    // window yet; the request has been consumed.
-}
-
-void oxRenderSettings::readBackVariantSetTree()
-{
-    // Reading the tree's check states back into the record belongs to the variant selection.
-}
 
 void oxRenderSettings::refreshHostParameters()
 {

@@ -103,16 +103,18 @@ std::vector<std::string> oxRenderSettings::getActiveVariantSets(const std::strin
 void oxRenderSettings::removeVariantSetGroup(const std::string& groupName)
 {
     oxVariantSetGroups& groups = currentPreset.variantSets;
+    const size_t before = groups.size();
     groups.erase(std::remove_if(groups.begin(), groups.end(),
                                 [&](const auto& group) { return hasName(group, groupName); }),
                  groups.end());
-    updateGUI();
+    if (groups.size() != before)
+        updateVariantSetGUI();
 }
 
 void oxRenderSettings::clearVariantSetGroups()
 {
     currentPreset.variantSets.clear();
-    updateGUI();
+    updateVariantSetGUI();
 }
 
 std::vector<std::string> oxRenderSettings::getVariantSetGroupNames() const

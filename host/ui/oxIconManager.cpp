@@ -21,6 +21,9 @@ const IconEntry kIcons[] = {
     {"FileOpen", nullptr, QStyle::SP_DialogOpenButton},
     {"FileSave", nullptr, QStyle::SP_DialogSaveButton},
     {"Delete", nullptr, QStyle::SP_TrashIcon},
+    {"Remove", nullptr, QStyle::SP_DialogDiscardButton},
+    {"CreateNew", nullptr, QStyle::SP_FileDialogNewFolder},
+    {"Save", nullptr, QStyle::SP_DialogSaveButton},
     {"scenegraph/FolderClosed.svg", ":/oxicons/scenegraph/FolderClosed.svg", QStyle::SP_CustomBase},
     {"scenegraph/FolderOpen.svg", ":/oxicons/scenegraph/FolderOpen.svg", QStyle::SP_CustomBase},
 };

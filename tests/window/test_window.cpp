@@ -9,6 +9,7 @@
 #include "oxPresetGUII.h"
 #include "oxRenderSettings.h"
 #include "oxRenderSettingsForm.h"
+#include "oxVariantSetTree.h"
 
 #include "oxQtPrinters.h"
 #include "oxModuleTest.h"
