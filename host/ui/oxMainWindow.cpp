@@ -6,6 +6,7 @@
 #include "oxScene.h"
 #include "oxSceneIO.h"
 #include "oxScriptEditor.h"
+#include "oxVariantSetBrowser.h"
 
 #include <QAction>
 #include <QApplication>
@@ -67,6 +68,12 @@ oxMainWindow::oxMainWindow(QWidget* parent) : QMainWindow(parent)
                              QString(), QStringLiteral("StartRendering"), tr("Script Editor"),
                              Qt::BottomDockWidgetArea, false, nullptr);
 
+    // The scene's variant sets, to apply, rename and drag into other views.
+    m_variantSetBrowser = new oxVariantSetBrowser(this);
+    m_dockWindowManager->add(QStringLiteral("VariantSets"), tr("Variant Sets"), m_variantSetBrowser,
+                             QString(), QStringLiteral("CreateNew"), tr("Variant Sets"),
+                             Qt::LeftDockWidgetArea, false, nullptr);
+
     oxController::registerMenu("File", m_fileMenu);
     oxController::registerMenu("Export", m_exportMenu);
     oxController::setMainWindow(this);
@@ -122,3 +129,5 @@ void oxMainWindow::saveSceneAs()
 }
 
 oxScriptEditor* oxMainWindow::scriptEditor() const { return m_scriptEditor; }
+
+oxVariantSetBrowser* oxMainWindow::variantSetBrowser() const { return m_variantSetBrowser; }

@@ -7,6 +7,7 @@ class QMenu;
 class QToolBar;
 class QOXDockWindowManager;
 class oxScriptEditor;
+class oxVariantSetBrowser;
 
 /// The host's main window: menu bar, central render view and dock areas. Its menus are
 /// published by name through oxController::getMenu ("File", "Export", "Window"); its dock
@@ -25,6 +26,8 @@ public:
     QOXDockWindowManager* dockWindowManager() const { return m_dockWindowManager; }
     /// The Script Editor, docked as "ScriptEditor" (hidden until chosen in the Window menu).
     oxScriptEditor* scriptEditor() const;
+    /// The scene's variant sets, docked as "VariantSets" (hidden until chosen).
+    oxVariantSetBrowser* variantSetBrowser() const;
 
 private:
     // File > Open, Save and Save As: project and model files of oxSceneIO.
@@ -38,4 +41,5 @@ private:
     QToolBar* m_quickAccess = nullptr;
     QOXDockWindowManager* m_dockWindowManager = nullptr;
     QPointer<oxScriptEditor> m_scriptEditor;
+    QPointer<oxVariantSetBrowser> m_variantSetBrowser;
 };
