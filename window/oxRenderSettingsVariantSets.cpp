@@ -411,6 +411,8 @@ void oxRenderSettings::refreshVariantSetGui()
             }
             groupItem->setExpanded(true);
         }
+        // The names sit beside large previews: the first column must be wide enough.
+        variantSetTree->resizeColumnToContents(0);
     }
     {
         const QSignalBlocker usedBlocker(_variantSetsUsed);

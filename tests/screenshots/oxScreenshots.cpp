@@ -1,6 +1,7 @@
 // oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
 // the main window with the docked window, each tab of the window with every section open,
-// the render pass section on each of its tabs, and the host's Script Editor after a run.
+// the render pass section on each of its tabs, the Variant Sets section with the statistics,
+// and the host's Script Editor after a run.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
@@ -10,6 +11,7 @@
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
 #include "oxRenderSettings.h"
+#include "oxSceneIO.h"
 #include "oxScript.h"
 #include "oxScriptEditor.h"
 
@@ -93,6 +95,30 @@ bool saveScriptEditor(oxMainWindow& mainWindow, const QDir& dir)
     return save(dock, dir, QStringLiteral("script_editor"));
 }
 
+// The Variant Sets section on the example scene with the Paint group and one Rims set
+// chosen, beside the host's Variant Sets dock, and the statistics they give.
+bool saveVariantSets(oxMainWindow& mainWindow, oxRenderSettings& window, const QDir& dir)
+{
+    QOXDockWidget* dock =
+        mainWindow.dockWindowManager()->getDockWidget(QStringLiteral("VariantSets"));
+    if (!dock) {
+        std::fprintf(stderr, "oxscreenshots: no Variant Sets dock\n");
+        return false;
+    }
+    oxSceneIO::newScene();
+    dock->show();
+    window.clearVariantSetGroups();
+    window.addVariantSetGroup("Paint");
+    window.setActiveVariantSets("Paint", {"Paint Red", "Paint Blue", "Paint Silver"});
+    window.setActiveVariantSets("Rims", {"Rims Sport"});
+    window._variantSetsUsed->setChecked(true);
+    window._variantsCF->setCollapsed(false);
+    QCoreApplication::processEvents();
+    bool ok = save(dock, dir, QStringLiteral("variant_sets_dock"));
+    ok = save(window._variantsCF, dir, QStringLiteral("variant_sets")) && ok;
+    return save(window._statistics_frame, dir, QStringLiteral("render_statistics")) && ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -138,6 +164,7 @@ int main(int argc, char** argv)
                       .arg(fileName(window->RenderpassesTab->tabText(i)))) &&
              ok;
     }
+    ok = saveVariantSets(mainWindow, *window, dir) && ok;
     ok = saveScriptEditor(mainWindow, dir) && ok;
     oxScript::stop();
     return ok ? 0 : 1;
