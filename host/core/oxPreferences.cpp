@@ -1,11 +1,15 @@
 #include "oxPreferences.h"
 
 #include "oxFile.h"
+#include "oxFileRescue.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageRW.h"
 #include "oxPreferencesService.h"
 
+#include <QWidget>
+
+#include <algorithm>
 #include <cstdlib>
 #include <set>
 
@@ -18,6 +22,7 @@ struct PreferenceState {
     std::string folder;
     bool folderChosen = false;
     std::set<std::string> unchanged;
+    std::vector<oxPreferences*> pages;
 };
 
 PreferenceState& state()
@@ -40,7 +45,106 @@ std::string defaultFolder()
     return withSeparator(oxFile::homeDirectory()) + ".config/oxlin/";
 }
 
+// Lets every page with a widget fill in its defaults after the data was replaced.
+void fillPageDefaults(bool loaded)
+{
+    for (oxPreferences* page : state().pages) {
+        if (!page->getPreferencesGUI())
+            continue;
+        page->setPreferenceDefaults(state().data, false);
+        if (loaded)
+            page->preferencesLoaded(state().data);
+    }
+}
+
+// A file written by a newer host may mean keys of another meaning: it is not used.
+std::string newerVersionProblem(const oxMessage& loaded)
+{
+    const auto& attributes = loaded.getAttributes();
+    const auto it = attributes.find(oxPreferences::fileVersionAttribute);
+    if (it == attributes.end())
+        return {};
+    const int version = std::atoi(it->second.c_str());
+    if (version <= oxPreferences::fileVersion)
+        return {};
+    return "it was written by a newer version (preferences version " + it->second +
+           ", this one reads up to " + std::to_string(oxPreferences::fileVersion) + ")";
+}
+
 } // namespace
+
+oxPreferences::oxPreferences(const QString& name, const QString& description)
+    : m_name(name), m_description(description)
+{
+    state().pages.push_back(this);
+}
+
+oxPreferences::~oxPreferences()
+{
+    auto& pages = state().pages;
+    pages.erase(std::remove(pages.begin(), pages.end(), this), pages.end());
+}
+
+void oxPreferences::setPreferenceDefaults(oxMessage&, bool) {}
+void oxPreferences::applyPreferences() {}
+void oxPreferences::preferencesToWidgets() {}
+void oxPreferences::widgetsToPreferences() {}
+void oxPreferences::preferencesNewScene(oxMessage&) {}
+void oxPreferences::preferencesLoaded(oxMessage&) {}
+void oxPreferences::preferencesInitialApply(oxMessage&) {}
+
+void oxPreferences::addPreferencesGUI(QWidget* widget)
+{
+    if (!widget)
+        return;
+    m_widget = widget;
+    setPreferenceDefaults(getData(), false);
+    preferencesInitialApply(getData());
+}
+
+void oxPreferences::subPreferencesGUI(QWidget* widget)
+{
+    if (!widget || widget != m_widget)
+        return;
+    // An open dialog holds the widget in its stack; the page deletes it after this.
+    widget->setParent(nullptr);
+    m_widget = nullptr;
+}
+
+const std::vector<oxPreferences*>& oxPreferences::getPages() { return state().pages; }
+
+oxPreferences* oxPreferences::findPage(const QString& name)
+{
+    for (oxPreferences* page : state().pages)
+        if (page->getName() == name)
+            return page;
+    return nullptr;
+}
+
+bool oxPreferences::confirm()
+{
+    // A copy: applying a page may make or remove pages.
+    const std::vector<oxPreferences*> pages = state().pages;
+    for (oxPreferences* page : pages) {
+        if (!page->getPreferencesGUI())
+            continue;
+        clearUnchanged();
+        page->widgetsToPreferences();
+        page->applyPreferences();
+        changedPreferences(page->getName().toUtf8().constData());
+    }
+    clearUnchanged();
+    return save();
+}
+
+void oxPreferences::showDefaults(oxPreferences& page)
+{
+    oxMessage& data = getData();
+    const oxMessage kept = data;
+    page.setPreferenceDefaults(data, true);
+    page.preferencesToWidgets();
+    data = kept;
+}
 
 oxPreferencesService* oxPreferencesService::the()
 {
@@ -85,17 +189,34 @@ bool oxPreferences::load()
     const std::string file = getPreferencesFile();
     if (file.empty() || !oxFile::exists(file, true)) {
         state().data.clear();
+        fillPageDefaults(false);
         return true;
     }
     oxMessage loaded;
-    if (!oxMessageRW::read(loaded, file.c_str(), std::string())) {
-        oxLog::error("Preferences: '%s' can't be read (%s); defaults are used and the file is "
-                     "replaced at the next save",
-                     file.c_str(), oxMessageRW::lastError().c_str());
-        return false;
+    std::string problem;
+    if (!oxMessageRW::read(loaded, file.c_str(), std::string()))
+        problem = oxMessageRW::lastError();
+    else
+        problem = newerVersionProblem(loaded);
+    if (problem.empty()) {
+        state().data = loaded;
+        fillPageDefaults(true);
+        return true;
     }
-    state().data = loaded;
-    return true;
+
+    // The file is set aside, not overwritten: the user may want to mend it or send it in.
+    const std::string kept = oxFileRescue::keepBeside(file);
+    if (!kept.empty())
+        oxLog::error("Preferences: '%s' can't be read (%s); it was kept as '%s' and the "
+                     "defaults are used",
+                     file.c_str(), problem.c_str(), kept.c_str());
+    else
+        oxLog::error("Preferences: '%s' can't be read (%s) nor renamed; the defaults are used "
+                     "and the file is replaced at the next save",
+                     file.c_str(), problem.c_str());
+    state().data.clear();
+    fillPageDefaults(false);
+    return false;
 }
 
 bool oxPreferences::save()
@@ -105,6 +226,7 @@ bool oxPreferences::save()
         oxLog::error("Preferences: no preferences folder, preferences are not saved");
         return false;
     }
+    state().data.addAttribute(fileVersionAttribute, std::to_string(fileVersion));
     return oxMessageRW::write(state().data, file.c_str());
 }
 

@@ -26,6 +26,7 @@
 #include <algorithm>
 #include <cstring>
 #include <chrono>
+#include <new>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -263,6 +264,22 @@ std::string oxImageWriter::iccProfileData(int profileID)
     static const std::string srgb = buildProfile(1);
     static const std::string adobe = buildProfile(2);
     return profileID == 1 ? srgb : profileID == 2 ? adobe : std::string();
+}
+
+void oxImageWriter::applyQualityPreference(const std::string& extension, oxEncodeSettings& settings)
+{
+    int quality = -1;
+    const boost::any& value = oxPreferences::getData().get(qualityKey);
+    if (value.type() == typeid(int))
+        quality = boost::any_cast<int>(value);
+    if (quality < 0)
+        return;
+    quality = std::min(quality, 100);
+    const std::string format = oxImageEncoder::formatOf(extension);
+    if (format == "png")
+        settings.pngCompression = ((100 - quality) * 9 + 50) / 100;
+    else
+        settings.quality = std::max(quality, 1);
 }
 
 std::string oxImageWriter::iccProfileFromPreferences(int profileID, std::string& file,
@@ -549,8 +566,16 @@ bool oxImageWriter::run(Job& job)
                  unitFiles(job.filename, job.passIds, m_multiLayer, job.sequence, frame))
                 names << file.name;
         job.index = i;
-        ok = renderUnit(job, frame, names);
-        if (m_canceled)
+        try {
+            ok = renderUnit(job, frame, names);
+        } catch (const std::bad_alloc&) {
+            // Encoders, streams and movies copy the image; any of them may find no memory.
+            oxLog::error("Image writer: can't render '%s': there is not enough memory for an "
+                         "image of %dx%d pixels.",
+                         shown.c_str(), job.width, job.height);
+            ok = false;
+        }
+        if (m_canceled || !ok)
             break;
         job.progress->step(job.movie ? shown : utf8(names.value(0)));
         if (ok && i + 1 < job.frames.size() && (cancelRequested() || job.progress->canceled())) {
@@ -681,6 +706,7 @@ bool oxImageWriter::writeUnit(Job& job, const oxRenderedImage& image, const QStr
             continue;
         oxEncodeSettings settings;
         osg::ImageFileHandler::the().applyOptions(oxFile::getExtension(path), settings);
+        applyQualityPreference(oxFile::getExtension(path), settings);
         settings.alpha = job.alpha;
         settings.tiffHDR = m_tiffHDR;
         settings.exrHalf = m_exrHalf;

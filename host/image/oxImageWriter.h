@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+struct oxEncodeSettings;
 struct oxRenderRequest;
 struct oxRenderedImage;
 
@@ -32,6 +33,10 @@ public:
     /// Preference keys (oxPreferences) naming the ICC profile files of profiles 3 and 4.
     static constexpr const char* monitorICCProfileKey = "Monitor ICC Profile File";
     static constexpr const char* imageICCProfileKey = "Image ICC Profile File";
+    /// Preference key of the compression quality of written images, 0 to 100: JPEG's quality,
+    /// and PNG's compression level from 9 (quality 0) to 0 (quality 100). -1 or no value: each
+    /// format's usual compression (for PNG the level of osg::PNGImageFileType).
+    static constexpr const char* qualityKey = "ImageExport quality";
 
     /// Where a running export stands: image (from 0) of images, rounds done of the image's
     /// refinement rounds.
@@ -134,6 +139,9 @@ public:
     {
         m_progressCallback = std::move(callback);
     }
+
+    /// Puts the quality preference (qualityKey) into settings for a file of that extension.
+    static void applyQualityPreference(const std::string& extension, oxEncodeSettings& settings);
 
     /// The ICC profile bytes of the built-in profiles 1 and 2 ("" for any other id).
     static std::string iccProfileData(int profileID);

@@ -3,6 +3,7 @@
 #include "QOXDockWindowManager.h"
 #include "oxController.h"
 #include "oxPlatform.h"
+#include "oxPreferencesDialog.h"
 #include "oxScene.h"
 #include "oxSceneIO.h"
 #include "oxScriptEditor.h"
@@ -42,6 +43,14 @@ oxMainWindow::oxMainWindow(QWidget* parent) : QMainWindow(parent)
     quit->setShortcut(QKeySequence::Quit);
     connect(quit, &QAction::triggered, this, &QWidget::close);
 
+    m_editMenu = menuBar()->addMenu(tr("&Edit"));
+    m_editMenu->setObjectName(QStringLiteral("Edit"));
+    QAction* preferences = m_editMenu->addAction(tr("&Preferences..."));
+    preferences->setObjectName(QStringLiteral("Preferences"));
+    preferences->setShortcut(QKeySequence::Preferences);
+    preferences->setMenuRole(QAction::PreferencesRole);
+    connect(preferences, &QAction::triggered, this, [this] { showPreferences(); });
+
     auto* view = new QLabel(tr("Render view"), this);
     view->setObjectName(QStringLiteral("renderView"));
     view->setAlignment(Qt::AlignCenter);
@@ -76,6 +85,7 @@ oxMainWindow::oxMainWindow(QWidget* parent) : QMainWindow(parent)
 
     oxController::registerMenu("File", m_fileMenu);
     oxController::registerMenu("Export", m_exportMenu);
+    oxController::registerMenu("Edit", m_editMenu);
     oxController::setMainWindow(this);
 }
 
@@ -84,6 +94,7 @@ oxMainWindow::~oxMainWindow()
     oxController::registerMenu("File", nullptr);
     oxController::registerMenu("Export", nullptr);
     oxController::registerMenu("Window", nullptr);
+    oxController::registerMenu("Edit", nullptr);
     if (oxController::getDockWindowManager() == m_dockWindowManager)
         oxController::setDockWindowManager(nullptr);
     if (oxController::getMainWindow() == this)
@@ -131,3 +142,11 @@ void oxMainWindow::saveSceneAs()
 oxScriptEditor* oxMainWindow::scriptEditor() const { return m_scriptEditor; }
 
 oxVariantSetBrowser* oxMainWindow::variantSetBrowser() const { return m_variantSetBrowser; }
+
+int oxMainWindow::showPreferences(const QString& page)
+{
+    oxPreferencesDialog dialog(this);
+    if (!page.isEmpty())
+        dialog.selectPage(page);
+    return dialog.exec();
+}

@@ -10,7 +10,7 @@ class oxScriptEditor;
 class oxVariantSetBrowser;
 
 /// The host's main window: menu bar, central render view and dock areas. Its menus are
-/// published by name through oxController::getMenu ("File", "Export", "Window"); its dock
+/// published by name through oxController::getMenu ("File", "Export", "Edit", "Window"); its dock
 /// window manager, which also owns the quick-access tool bar, through
 /// oxController::getDockWindowManager.
 class oxMainWindow : public QMainWindow {
@@ -21,6 +21,7 @@ public:
 
     QMenu* fileMenu() const { return m_fileMenu; }
     QMenu* exportMenu() const { return m_exportMenu; }
+    QMenu* editMenu() const { return m_editMenu; }
     QMenu* windowMenu() const { return m_windowMenu; }
     QToolBar* quickAccessToolBar() const { return m_quickAccess; }
     QOXDockWindowManager* dockWindowManager() const { return m_dockWindowManager; }
@@ -28,6 +29,9 @@ public:
     oxScriptEditor* scriptEditor() const;
     /// The scene's variant sets, docked as "VariantSets" (hidden until chosen).
     oxVariantSetBrowser* variantSetBrowser() const;
+    /// Edit > Preferences: the preferences dialog, modal, showing page when it is named.
+    /// Gives the dialog's result (QDialog::Accepted after OK).
+    int showPreferences(const QString& page = QString());
 
 private:
     // File > Open, Save and Save As: project and model files of oxSceneIO.
@@ -37,6 +41,7 @@ private:
 
     QMenu* m_fileMenu = nullptr;
     QMenu* m_exportMenu = nullptr;
+    QMenu* m_editMenu = nullptr;
     QMenu* m_windowMenu = nullptr;
     QToolBar* m_quickAccess = nullptr;
     QOXDockWindowManager* m_dockWindowManager = nullptr;

@@ -109,14 +109,6 @@ TEST_F(PreferencesTest, FolderEndsWithSeparatorAndDataRoundTrips)
     EXPECT_EQ(samples, 256);
     EXPECT_EQ(path, "c:\\oxlin-snapshots");
     EXPECT_TRUE(sound);
-
-    // A damaged file is reported and the data in memory is kept.
-    ASSERT_TRUE(oxFile::writeAtomically(oxPreferences::getPreferencesFile(), "<oxMessage"));
-    EXPECT_FALSE(oxPreferences::load());
-    expectLog(oxLog::Error, "Preferences: '" + oxPreferences::getPreferencesFile() +
-                                "' can't be read (" + oxMessageRW::lastError() +
-                                "); defaults are used and the file is replaced at the next save");
-    EXPECT_TRUE(oxPreferences::getData().get("Maximum Antialiasing Samples", samples));
     oxPreferences::getData().clear();
 }
 
