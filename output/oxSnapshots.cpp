@@ -228,6 +228,9 @@ void createSnapshotFastTerminate()
 void setSnapshotQuality(int quality)
 {
     oxPreferences::getData().set(kSnapshotQualityPreference, quality, true);
+    // The preferences page, when it is up, shows the value the next image is written with.
+    if (oxPreferences* page = oxPreferences::findPage(QString::fromUtf8(kPreferencesPage)))
+        page->preferencesToWidgets();
 }
 
 void setSnapshotNoShowImage(bool state)

@@ -66,7 +66,8 @@ void createSnapshotFastInit(int width, int height, int ssf);
 bool createSnapshotFast(const char* filename);
 void createSnapshotFastTerminate();
 
-/// Stores the compression quality preference "ImageExport quality" (-1: the format's default).
+/// Stores the compression quality preference "ImageExport quality" (-1: the format's default)
+/// and shows it on the preferences page, when there is one.
 void setSnapshotQuality(int quality);
 /// Passed to the writer as it is: true suppresses the display of written images.
 void setSnapshotNoShowImage(bool state);

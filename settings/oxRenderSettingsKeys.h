@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxImageWriter.h"
 #include "oxRenderSettingsPreset.h"
 
 #include <array>
@@ -144,8 +145,9 @@ constexpr const char* kExportClusterHostsPreference = "Export cluster hosts";
 constexpr const char* kMovieExportAviPreference = "MovieExport avi";
 /// Preferences behind the default file name.
 constexpr const char* kSnapshotPathPreference = "SnapshotExport path";
-/// The compression quality of written images (-1: the format's default).
-constexpr const char* kSnapshotQualityPreference = "ImageExport quality";
+/// The compression quality of written images (-1: the format's default); the image writer
+/// reads it.
+constexpr const char* kSnapshotQualityPreference = oxImageWriter::qualityKey;
 constexpr const char* kDefaultFormatPreference = "ImageExport default format";
 constexpr const char* kDefaultSnapshotPath = "c:\\oxlin-snapshots";
 constexpr const char* kDefaultImageFormat = "png";

@@ -1,7 +1,7 @@
 // oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
 // the main window with the docked window, each tab of the window with every section open,
 // the render pass section on each of its tabs, the Variant Sets section with the statistics,
-// and the host's Script Editor after a run.
+// the host's Script Editor after a run, and the preferences dialog on the Render Settings page.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
@@ -10,6 +10,7 @@
 #include "oxController.h"
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
+#include "oxPreferencesDialog.h"
 #include "oxRenderSettings.h"
 #include "oxSceneIO.h"
 #include "oxScript.h"
@@ -25,6 +26,7 @@
 #include <cstdlib>
 
 extern "C" void initPlugin();
+extern "C" void initPreferencesPlugin();
 
 namespace {
 
@@ -119,6 +121,25 @@ bool saveVariantSets(oxMainWindow& mainWindow, oxRenderSettings& window, const Q
     return save(window._statistics_frame, dir, QStringLiteral("render_statistics")) && ok;
 }
 
+// The preferences dialog with the Render Settings page, on its first two tabs.
+bool savePreferences(oxMainWindow& mainWindow, const QDir& dir)
+{
+    oxPreferencesDialog dialog(&mainWindow);
+    if (!dialog.selectPage(QStringLiteral("Render Settings"))) {
+        std::fprintf(stderr, "oxscreenshots: the plug-in made no Render Settings preferences\n");
+        return false;
+    }
+    dialog.show();
+    auto* tabs = dialog.findChild<QTabWidget*>(QStringLiteral("Render_Settings"));
+    bool ok = tabs != nullptr;
+    for (int i = 0; tabs && i < 2; ++i) {
+        tabs->setCurrentIndex(i);
+        const QString name = QStringLiteral("preferences_%1").arg(fileName(tabs->tabText(i)));
+        ok = save(&dialog, dir, name) && ok;
+    }
+    return ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -136,6 +157,7 @@ int main(int argc, char** argv)
 
     oxMainWindow mainWindow;
     initPlugin();
+    initPreferencesPlugin();
     oxRenderSettings* window = oxRenderSettings::instance();
     if (!window) {
         std::fprintf(stderr, "oxscreenshots: the plug-in made no Render Settings window\n");
@@ -166,6 +188,7 @@ int main(int argc, char** argv)
     }
     ok = saveVariantSets(mainWindow, *window, dir) && ok;
     ok = saveScriptEditor(mainWindow, dir) && ok;
+    ok = savePreferences(mainWindow, dir) && ok;
     oxScript::stop();
     return ok ? 0 : 1;
 }
