@@ -3,7 +3,6 @@
 // to files costs per file beyond the image writer's own work (the same tiny images written by
 // the writer directly).
 
-#include "oxController.h"
 #include "oxExampleScene.h"
 #include "oxImageSource.h"
 #include "oxImageWriter.h"
@@ -165,10 +164,8 @@ BENCHMARK(BM_WriteSameImagesDirectly)->Unit(benchmark::kMillisecond)->UseRealTim
 
 int main(int argc, char** argv)
 {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    oxPlatform::ensureRuntimeDir();
+    oxPlatform::prepareHeadless();
     QApplication application(argc, argv);
-    oxController::setNoGUI(true);
     QTemporaryDir preferences;
     oxPreferences::setPreferencesDir(preferences.path().toStdString());
     oxImageSource::setCurrent(&oxRaytracerSource::the());

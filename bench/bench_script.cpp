@@ -2,7 +2,6 @@
 // statement, against plain python3 on the same machine, and the cost of one call from a
 // script into a plug-in command.
 
-#include "oxController.h"
 #include "oxPlatform.h"
 #include "oxPluginLoader.h"
 #include "oxScript.h"
@@ -91,10 +90,8 @@ BENCHMARK(BM_GetterCalls100k)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    oxPlatform::ensureRuntimeDir();
+    oxPlatform::prepareHeadless();
     QApplication application(argc, argv);
-    oxController::setNoGUI(true);
     // The plug-ins are loaded as oxlin loads them, so their script modules' registrars are
     // known to the interpreter, and the getter asks the module's real image writer.
     oxPluginLoader::loadAll(programDir() + "/../plugins");

@@ -2,7 +2,6 @@
 // variant sets in 20 groups, every set chosen: the tree rebuilt from the selection, the tick
 // boxes, the statistics and the example file name.
 
-#include "oxController.h"
 #include "oxExampleScene.h"
 #include "oxImageWriter.h"
 #include "oxPlatform.h"
@@ -69,10 +68,8 @@ BENCHMARK(BM_RefreshVariantSetsAndStatistics)->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
 {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    oxPlatform::ensureRuntimeDir();
+    oxPlatform::prepareHeadless();
     QApplication application(argc, argv);
-    oxController::setNoGUI(true);
     QTemporaryDir preferences;
     oxPreferences::setPreferencesDir(preferences.path().toStdString());
     benchmark::Initialize(&argc, argv);

@@ -423,9 +423,7 @@ int main(int argc, char** argv)
         options.noGUI = true;
     if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        oxController::setNoGUI(true);
-        oxPlatform::ensureRuntimeDir();
+        oxPlatform::prepareHeadless();
     }
     if (!options.logFile.empty() && !oxLog::setLogFile(options.logFile)) {
         std::fprintf(stderr, "oxlin: can't open the log file '%s'\n", options.logFile.c_str());

@@ -1,5 +1,7 @@
 #include "oxPlatform.h"
 
+#include "oxController.h"
+
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -40,6 +42,13 @@ int oxPlatform::getMediumIconSizeY() { return scaled(24, false); }
 
 double oxPlatform::getDpiScaleX() { return screenScale(true); }
 double oxPlatform::getDpiScaleY() { return screenScale(false); }
+
+void oxPlatform::prepareHeadless(bool keepPlatform)
+{
+    ::setenv("QT_QPA_PLATFORM", "offscreen", keepPlatform ? 0 : 1);
+    ensureRuntimeDir();
+    oxController::setNoGUI(true);
+}
 
 void oxPlatform::ensureRuntimeDir()
 {

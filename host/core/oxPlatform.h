@@ -23,4 +23,10 @@ public:
     /// Gives the process a private runtime folder when the environment names none, as
     /// headless runs often don't; call it before the application object is made.
     static void ensureRuntimeDir();
+
+    /// Sets up a run without a screen (headless oxlin, tests, benchmarks, screenshots): the
+    /// offscreen Qt platform (an already chosen platform is kept when keepPlatform is true), a
+    /// runtime folder, and no modal dialog waiting for a person. Call it before the application
+    /// object is made.
+    static void prepareHeadless(bool keepPlatform = false);
 };

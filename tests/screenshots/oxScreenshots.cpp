@@ -7,7 +7,6 @@
 
 #include "QOXCollapsibleFrame.h"
 #include "QOXDockWindowManager.h"
-#include "oxController.h"
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
 #include "oxPreferencesDialog.h"
@@ -23,7 +22,6 @@
 #include <QTabWidget>
 
 #include <cstdio>
-#include <cstdlib>
 
 extern "C" void initPlugin();
 extern "C" void initPreferencesPlugin();
@@ -144,10 +142,8 @@ bool savePreferences(oxMainWindow& mainWindow, const QDir& dir)
 
 int main(int argc, char** argv)
 {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    oxPlatform::ensureRuntimeDir();
+    oxPlatform::prepareHeadless();
     QApplication application(argc, argv);
-    oxController::setNoGUI(true);
 
     const QDir dir(argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("screenshots"));
     if (!QDir().mkpath(dir.path())) {
