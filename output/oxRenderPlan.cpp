@@ -5,6 +5,7 @@
 #include "oxImageWriter.h"
 #include "oxLog.h"
 #include "oxRenderAutomationVariantSetGroupsAccess.h"
+#include "oxRenderTasks.h"
 #include "oxSceneServices.h"
 #include "oxVariants.h"
 
@@ -247,12 +248,24 @@ bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& rec
     const QString extension = QString::fromStdString(record->getFileExtension(true));
     const bool exporting = (flags & PlanExport) != 0;
     oxAnimManager* animations = oxAnimManager::the();
+    // A task of a split job walks one unit, and of an image sequence one run of its frames.
+    const oxRenderTask* task = (flags & PlanFirstTupleOnly) ? nullptr : currentRenderTask();
+    const int64_t frameRuns = task ? renderTaskFrameRuns(*record, task->framesPerTask) : 1;
+    const int64_t taskUnit = task ? task->index / frameRuns : -1;
+    int64_t unit = -1;
 
     for (const oxRenderStepSPtr& cameraStep : cameraSteps) {
         const QString cameraName = cameraStep->decorateName(baseName);
+        const int64_t firstUnit = unit + 1;
+        if (task && (taskUnit < firstUnit || taskUnit >= firstUnit + int64_t(tupleCount))) {
+            unit += int64_t(tupleCount);
+            continue;
+        }
         if (flags & PlanActivateCamera)
             cameraStep->apply();
         for (uint64_t tuple = 0; tuple < tupleCount; ++tuple) {
+            if (task && ++unit != taskUnit)
+                continue;
             const oxRenderStepSPtr variantStep = variantSettings.getStep(tuple);
             const QString name = variantStep->decorateName(cameraName);
             if (flags & PlanActivateVariantSet)
@@ -273,9 +286,13 @@ bool walkRenderPlan(oxImageWriter& writer, const oxRenderSettingsPresetSPtr& rec
                                        record->tonemap_hdr);
             } else {
                 const oxRenderSettingsPreset::AnimationRange range = record->getAnimationRange();
-                const int start = int(range.firstFrame);
-                const int stop = int(range.lastFrame);
+                int start = int(range.firstFrame);
+                int stop = int(range.lastFrame);
                 const int step = int(range.step);
+                if (task && !record->isMovieExport() &&
+                    !renderTaskFrames(task->index % frameRuns, task->framesPerTask, start, stop,
+                                      step))
+                    continue;
                 animations->setMotionBlurObjectID(range.animationId);
                 if (!record->isMovieExport()) {
                     list << writer.getExportedImageFilenames(path, record->getRenderPassIds(),

@@ -6,20 +6,33 @@
 #include "oxRenderSettings.h"
 
 #include "oxImageWriter.h"
+#include "oxRenderTasks.h"
 
 #include <QDateTime>
 #include <QFileInfo>
 
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
 
-// Takes the preset the message names (attribute "preset") into the window, as choosing it
-// from the preset menu does; true when there is none to take or it was taken. Sets "error"
-// otherwise.
+// Takes the preset the message names into the window: "jobPreset" names a render queue
+// job's settings (applied with their file name and variant sets, as the queue stored them),
+// "preset" one of the preset file (applied as choosing it from the preset menu does). True
+// when there is none to take or it was taken; sets "error" otherwise.
 bool takePreset(oxRenderSettings& window, oxMessage& message)
 {
+    std::string jobPreset;
+    if (message.get("jobPreset", jobPreset) && !jobPreset.empty()) {
+        if (!window.getRQPreset(jobPreset.c_str())) {
+            message.set("error",
+                        "the render queue holds no job settings named '" + jobPreset + "'");
+            return false;
+        }
+        window.applyRQPresetByName(jobPreset.c_str());
+        return true;
+    }
     QString name;
     if (!getFromMessage(message, "preset", name) || name.isEmpty())
         return true;
@@ -53,6 +66,29 @@ oxRenderSettings* windowFor(oxMessage& message)
     return window;
 }
 
+// The task of a split job the message names ("task", with "framesPerTask"), if any.
+std::optional<oxRenderTask> taskOf(const oxMessage& message)
+{
+    int index = -1;
+    if (!message.has("task") || !message.get("task", index) || index < 0)
+        return std::nullopt;
+    oxRenderTask task;
+    task.index = index;
+    message.get("framesPerTask", task.framesPerTask);
+    return task;
+}
+
+// Limits the walks of a callback to the message's task while it runs.
+struct TaskLimit {
+    explicit TaskLimit(const oxMessage& message) : task(taskOf(message))
+    {
+        if (task)
+            scope.emplace(*task);
+    }
+    std::optional<oxRenderTask> task;
+    std::optional<oxRenderTaskScope> scope;
+};
+
 } // namespace
 
 void listOutputFilesCB(oxMessage& message)
@@ -60,6 +96,13 @@ void listOutputFilesCB(oxMessage& message)
     oxRenderSettings* window = windowFor(message);
     if (!window || !takePreset(*window, message))
         return;
+    // How many tasks the job splits into, for whoever hands it to several machines.
+    int framesPerTask = 1;
+    message.get("framesPerTask", framesPerTask);
+    message.set("taskCount",
+                int(renderTaskCount(window->getCurrentRenderSettings(), framesPerTask)));
+    message.set("clusterHosts", window->clusterHosts().toStdString());
+    const TaskLimit limit(message);
     message.set("files", toStrings(theMovieExport->getRenderOutputFilenames()));
 }
 
@@ -70,6 +113,7 @@ void renderOutputFilesCB(oxMessage& message)
         return;
     bool overwrite = false;
     getFromMessage(message, "overwrite", overwrite);
+    const TaskLimit limit(message);
     const QStringList files = theMovieExport->getRenderOutputFilenames();
     if (files.isEmpty()) {
         message.set("error", std::string("the render settings give no file to write"));
@@ -96,6 +140,7 @@ void renderOutputFilesCB(oxMessage& message)
     }
     theMovieExport->startRenderToFile(true);
     if (theMovieExport->getImageWriter()->wasExportCanceled()) {
+        message.set("canceled", true);
         message.set("error", std::string("the render was cancelled"));
         return;
     }
