@@ -75,7 +75,9 @@ const char kUsage[] =
     "                        a file exists (unless --overwrite) or couldn't be written\n"
     "  --preset NAME         with --list-outputs or --render: the settings of the preset NAME\n"
     "                        of the preset file instead of the scene's\n"
-    "  --overwrite           with --render: replace existing files\n"
+    "  --render-queue        render the waiting jobs of the project's render queue in order and\n"
+    "                        exit; non-zero when a job failed (the others still render)\n"
+    "  --overwrite           with --render or --render-queue: replace existing files\n"
     "  --help                print this text and exit\n";
 
 struct Options {
@@ -103,6 +105,7 @@ struct Options {
     std::vector<std::string> scriptArguments;
     bool listOutputs = false;
     bool render = false;
+    bool renderQueue = false;
     bool overwrite = false;
     std::string preset;
 };
@@ -162,6 +165,8 @@ bool parseOptions(int argc, char** argv, Options& options)
             options.listOutputs = true;
         } else if (arg == "--render") {
             options.render = true;
+        } else if (arg == "--render-queue") {
+            options.renderQueue = true;
         } else if (arg == "--overwrite") {
             options.overwrite = true;
         } else if (arg == "--preset") {
@@ -193,9 +198,16 @@ bool parseOptions(int argc, char** argv, Options& options)
         std::fprintf(stderr, "oxlin: --list-outputs and --render exclude each other\n");
         return false;
     }
-    if ((!options.preset.empty() || options.overwrite) && !options.listOutputs && !options.render) {
-        std::fprintf(stderr,
-                     "oxlin: --preset and --overwrite go with --list-outputs or --render\n");
+    if (options.renderQueue && (options.listOutputs || options.render)) {
+        std::fprintf(stderr, "oxlin: --render-queue excludes --list-outputs and --render\n");
+        return false;
+    }
+    if (!options.preset.empty() && !options.listOutputs && !options.render) {
+        std::fprintf(stderr, "oxlin: --preset goes with --list-outputs or --render\n");
+        return false;
+    }
+    if (options.overwrite && !options.render && !options.renderQueue) {
+        std::fprintf(stderr, "oxlin: --overwrite goes with --render or --render-queue\n");
         return false;
     }
     if (!options.scriptArguments.empty() && options.script.empty() && !options.hasPython) {
@@ -386,6 +398,18 @@ int runRenderJob(const Options& options)
     return 0;
 }
 
+// Renders the waiting jobs of the project's render queue; the exit status of oxlin.
+int runRenderQueue(oxRenderQueue& queue, bool overwrite)
+{
+    const int failed = queue.renderAll(overwrite);
+    int done = 0;
+    for (int index = 0; index < queue.jobCount(); ++index)
+        done += queue.jobEntry(index).state == oxRenderQueue::State::Done ? 1 : 0;
+    std::printf("Render queue: %d job%s done, %d failed.\n", done, done == 1 ? "" : "s", failed);
+    std::fflush(stdout);
+    return failed == 0 ? 0 : 1;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -419,7 +443,7 @@ int main(int argc, char** argv)
     if (!options.script.empty() && !readScript(options.script, scriptCode))
         return 2;
 
-    if (!options.snapshot.empty() || options.listOutputs || options.render)
+    if (!options.snapshot.empty() || options.listOutputs || options.render || options.renderQueue)
         options.noGUI = true;
     if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
@@ -471,6 +495,8 @@ int main(int argc, char** argv)
             std::fflush(stdout);
         } else if (result == 0 && (options.listOutputs || options.render)) {
             result = runRenderJob(options);
+        } else if (result == 0 && options.renderQueue) {
+            result = runRenderQueue(*renderQueue, options.overwrite);
         } else if (result == 0 && runsScript && options.noGUI) {
             result = runScript(options, scriptCode);
             // Work the script left for the event loop (deferred starts) still runs.
