@@ -13,6 +13,7 @@ PACKAGES=(
     libavcodec-dev libavformat-dev libswscale-dev libavutil-dev ffmpeg
     libtinygltf-dev nlohmann-json3-dev libpugixml-dev
     libgtest-dev libgmock-dev libbenchmark-dev
+    slurm-wlm munge
 )
 
 missing=()

@@ -23,6 +23,7 @@
 #include "oxScript.h"
 #include "oxSceneIO.h"
 #include "oxSceneServices.h"
+#include "oxSlurm.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -64,7 +65,12 @@ const char kUsage[] =
     "                        one file per pass, or one multi-layer file for EXR\n"
     "  --view NAME           render through the camera or viewpoint NAME\n"
     "  --samples N           samples per pixel of the snapshot (default: the image samples)\n"
-    "  --cluster-spool DIR   log in to the cluster spool folder DIR (its subfolders are queues)\n"
+    "  --cluster-jobs DIR    keep cluster jobs in the shared folder DIR (preference \"Cluster\n"
+    "                        Job Folder\")\n"
+    "  --slurm-conf FILE     reach the Slurm cluster of the configuration FILE (else SLURM_CONF)\n"
+    "  --render-job JOB      with --task N: render task N of the cluster job whose record is\n"
+    "                        JOB (job.xml) in the scene FILE, and exit\n"
+    "  --task N              the task of --render-job, from 0\n"
     "  --script SCRIPT       run the Python file SCRIPT once the scene is open; headless, exit\n"
     "                        with its status (0, 1 after an uncaught exception, n for\n"
     "                        sys.exit(n)); sys.argv is SCRIPT and the ARGs after --\n"
@@ -98,7 +104,10 @@ struct Options {
     std::string passes;
     std::string view;
     std::string samples;
-    std::string clusterSpool;
+    std::string clusterJobs;
+    std::string slurmConf;
+    std::string renderJob;
+    std::string task;
     std::string script;
     std::string python;
     bool hasPython = false;
@@ -148,8 +157,17 @@ bool parseOptions(int argc, char** argv, Options& options)
         } else if (arg == "--write-example") {
             if (!value(options.exampleDir))
                 return false;
-        } else if (arg == "--cluster-spool") {
-            if (!value(options.clusterSpool))
+        } else if (arg == "--cluster-jobs") {
+            if (!value(options.clusterJobs))
+                return false;
+        } else if (arg == "--slurm-conf") {
+            if (!value(options.slurmConf))
+                return false;
+        } else if (arg == "--render-job") {
+            if (!value(options.renderJob))
+                return false;
+        } else if (arg == "--task") {
+            if (!value(options.task))
                 return false;
         } else if (arg == "--script") {
             if (!value(options.script))
@@ -196,6 +214,10 @@ bool parseOptions(int argc, char** argv, Options& options)
     }
     if (options.listOutputs && options.render) {
         std::fprintf(stderr, "oxlin: --list-outputs and --render exclude each other\n");
+        return false;
+    }
+    if (options.renderJob.empty() != options.task.empty()) {
+        std::fprintf(stderr, "oxlin: --render-job and --task go together\n");
         return false;
     }
     if (options.renderQueue && (options.listOutputs || options.render)) {
@@ -443,7 +465,8 @@ int main(int argc, char** argv)
     if (!options.script.empty() && !readScript(options.script, scriptCode))
         return 2;
 
-    if (!options.snapshot.empty() || options.listOutputs || options.render || options.renderQueue)
+    if (!options.snapshot.empty() || options.listOutputs || options.render || options.renderQueue ||
+        !options.renderJob.empty())
         options.noGUI = true;
     if (options.noGUI || options.listPlugins || options.listScene) {
         // Headless runs build the same widgets, on a platform that draws into memory.
@@ -469,9 +492,11 @@ int main(int argc, char** argv)
     auto mainWindow = std::make_unique<oxMainWindow>();
     // The render queue module and the cluster manager stand before the plug-ins, which use them.
     auto renderQueue = std::make_unique<oxRenderQueue>();
+    if (!options.slurmConf.empty())
+        oxSlurm::setConfigFile(options.slurmConf);
     oxClusterManagerService clusterManager;
-    if (!options.clusterSpool.empty() && !clusterManager.login(options.clusterSpool))
-        return 2;
+    if (!options.clusterJobs.empty())
+        clusterManager.setJobFolder(options.clusterJobs);
     oxKernelServiceFactory::the()->registerService(&clusterManager);
     // Exports render the current scene with the host's raytracer.
     oxImageSource::setCurrent(&oxRaytracerSource::the());
@@ -495,6 +520,16 @@ int main(int argc, char** argv)
             std::fflush(stdout);
         } else if (result == 0 && (options.listOutputs || options.render)) {
             result = runRenderJob(options);
+        } else if (result == 0 && !options.renderJob.empty()) {
+            char* end = nullptr;
+            const long task = std::strtol(options.task.c_str(), &end, 10);
+            if (*end != '\0' || task < 0 || task > 1000000000) {
+                std::fprintf(stderr, "oxlin: bad task '%s' (expected a number from 0)\n",
+                             options.task.c_str());
+                result = 2;
+            } else {
+                result = oxClusterManagerService::runTask(options.renderJob, int(task));
+            }
         } else if (result == 0 && options.renderQueue) {
             result = runRenderQueue(*renderQueue, options.overwrite);
         } else if (result == 0 && runsScript && options.noGUI) {

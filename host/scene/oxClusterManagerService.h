@@ -6,52 +6,92 @@
 #include <QStringList>
 
 #include <string>
+#include <vector>
 
-/// The host's cluster manager: hands render jobs of the current scene to cluster queues.
+/// The host's cluster manager: hands render jobs of the current scene to a Slurm cluster.
 ///
-/// The cluster here is a spool folder that render nodes watch. Each subfolder of the spool
-/// folder is a queue, named like the folder. A job is a folder of its own in its queue (or in
-/// the spool folder itself when there is no queue): the scene state as a project
-/// ("scene.oxp", with its model when the scene has no model file yet) and the job record
-/// ("job.xml"). A job folder appears complete or not at all: it is written under a temporary
-/// name and renamed when complete.
-///
-/// The user is logged in while a spool folder is set (the preference "Cluster Spool Folder",
-/// or login()); logged out otherwise.
+/// The user is logged in while a Slurm controller answers; the queues are the partitions the
+/// user may submit to. A job is a folder in the shared job folder (preference "Cluster Job
+/// Folder"): the scene state as a project ("scene.oxp", with its model when the scene has no
+/// model file yet) and the job record ("job.xml"). The folder appears complete or not at all,
+/// and one Slurm job array renders it: one task per render step and variant set tuple (and
+/// per frame for image sequences), each running
+///   oxlin --no-gui JOBFOLDER/scene.oxp --render-job JOBFOLDER/job.xml --task N
+/// Each task leaves "tasks/N.done" or "tasks/N.failed" and its log "logs/task-N.log" there.
 class oxClusterManagerService : public oxBaseService {
 public:
-    /// The preference key that names the spool folder at start.
-    static constexpr const char* kSpoolPreference = "Cluster Spool Folder";
+    /// Preference keys: the shared job folder, a Slurm configuration file other than the
+    /// environment's, and the oxlin program the nodes run.
+    static constexpr const char* kJobFolderPreference = "Cluster Job Folder";
+    static constexpr const char* kSlurmConfigPreference = "Cluster Slurm Configuration";
+    static constexpr const char* kRenderProgramPreference = "Cluster Render Program";
     /// The names inside a job folder.
     static constexpr const char* kJobSceneFile = "scene.oxp";
     static constexpr const char* kJobRecordFile = "job.xml";
+    static constexpr const char* kTaskFolder = "tasks";
+    static constexpr const char* kLogFolder = "logs";
+    static constexpr const char* kCancelledFile = "cancelled";
+    /// Keys of the job record.
+    static constexpr const char* kJobIdKey = "slurmJobId";
+    static constexpr const char* kTaskCountKey = "taskCount";
+    static constexpr const char* kFramesPerTaskKey = "framesPerTask";
+    static constexpr const char* kFilesKey = "files";
 
-    /// Logged in to the spool folder of the preferences, if one is set there.
+    /// Where a cluster job stands.
+    enum class JobState { Pending, Running, Completed, Failed, Cancelled, Unknown };
+    struct JobStatus {
+        std::string folder;
+        std::string id;
+        JobState state = JobState::Unknown;
+        int tasksDone = 0;
+        int tasksTotal = 0;
+        /// The failed tasks, each with the end of its log.
+        std::string failure;
+    };
+
+    /// Takes the job folder, Slurm configuration and program from the preferences.
     oxClusterManagerService();
     ~oxClusterManagerService() override = default;
 
-    /// Creates a job of the current scene state in queue (the empty name: the only queue, or
-    /// the spool folder itself when there are no queues). The first argument is reserved and
-    /// null. False, with an error in the log, when logged out, the queue is unknown or the
-    /// job can't be written; the scene is never changed.
+    /// Creates a job of the current scene state in queue (the empty name: the default
+    /// partition) and submits it. The first argument is reserved and null. False, with an
+    /// error in the log, when logged out, the queue is unknown, the job can't be written or
+    /// Slurm refuses it; nothing of the job is left then. The scene is never changed.
     virtual bool createRenderJob(void* reserved, const QString& queueName);
-    /// The queues of the spool folder, sorted by name; empty when logged out.
+    /// The partitions the user may submit to; empty when logged out.
     virtual QStringList getQueueNames();
-    /// True while a spool folder is set.
+    /// True while a Slurm controller answers; else the reason is logged as a warning and
+    /// kept (getLoginProblem).
     virtual bool isLoggedIn();
 
-    /// Logs in to folder (created when missing); false with an error when it can't be made.
-    bool login(const std::string& folder);
-    void logout();
-    /// The spool folder, "" when logged out.
-    const std::string& getSpoolFolder() const { return m_spool; }
+    /// Why the last isLoggedIn() was false ("" when it was true).
+    const std::string& getLoginProblem() const { return m_loginProblem; }
+    void setJobFolder(const std::string& folder);
+    const std::string& getJobFolder() const { return m_jobFolder; }
+    /// The oxlin program the tasks run; "" picks the one beside this program.
+    void setRenderProgram(const std::string& program);
+    std::string getRenderProgram() const;
+
     /// The folder of the job created last, "" before the first.
     const std::string& getLastJobFolder() const { return m_lastJob; }
+    /// The jobs created since start, oldest first.
+    const std::vector<std::string>& getJobFolders() const { return m_jobs; }
+    /// What the job of folder is doing, from Slurm and the tasks' results.
+    JobStatus getJobStatus(const std::string& folder) const;
+    /// Cancels the job of folder; false with an error when Slurm refuses.
+    bool cancelJob(const std::string& folder);
+
+    /// Renders task of the job whose record is jobFile in the open scene (oxlin
+    /// --render-job), leaving the task's result in the job folder; the exit status.
+    static int runTask(const std::string& jobFile, int task);
 
 private:
-    bool writeJob(const std::string& queueFolder, const QString& queueName);
+    bool writeAndSubmit(const QString& queueName);
 
-    std::string m_spool;
+    std::string m_jobFolder;
+    std::string m_program;
+    std::string m_loginProblem;
     std::string m_lastJob;
+    std::vector<std::string> m_jobs;
     int m_jobCount = 0;
 };

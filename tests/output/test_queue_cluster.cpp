@@ -1,47 +1,49 @@
-// The cluster hand-off: the host's cluster manager (a spool folder of queues) and the button
-// that sends the current scene state to it.
+// The cluster hand-off on a real one-node Slurm cluster: the button sends the scene state as
+// one job array, the tasks render exactly the job's files, jobs are cancelled, and a
+// controller that stops answers means logged out.
 
 #include "oxQueueTestSupport.h"
+#include "oxSlurmTestCluster.h"
 
-#include "oxFile.h"
 #include "oxMessageRW.h"
 #include "oxPlatform.h"
-#include "oxPreferences.h"
-#include "oxScene.h"
-#include "oxSceneIO.h"
+#include "oxRenderPasses.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QMenu>
 #include <QPushButton>
 #include <QTimer>
 
-#include <functional>
+#include <algorithm>
 
 namespace {
 
+using JobState = oxClusterManagerService::JobState;
+
 class ClusterQueueTest : public oxQueueTest {
 protected:
-    void TearDown() override
+    // Starts Slurm with partitions and the host; false (the test then skips) when Slurm
+    // can't run here.
+    bool startCluster(const QStringList& partitions = {QStringLiteral("render")})
     {
-        cluster.logout();
-        oxQueueTest::TearDown();
+        skipReason = slurm.start(partitions);
+        if (!skipReason.empty())
+            return false;
+        cluster.setJobFolder(jobs.path());
+        cluster.setRenderProgram(std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin");
+        start();
+        oxRenderSettingsPreset& preset = window()->getCurrentPreset();
+        preset.filename = output.file("showroom.png");
+        preset.pixel_width = 32.0f;
+        preset.pixel_height = 18.0f;
+        return true;
     }
-
-    QString folder(const QString& queue = {}) const
-    {
-        return QDir(QString::fromStdString(spool.path())).filePath(queue);
-    }
-    int jobsIn(const QString& queue = {}) const
-    {
-        return QDir(folder(queue))
-            .entryList({QStringLiteral("job-*")}, QDir::Dirs | QDir::NoDotAndDotDot)
-            .size();
-    }
-    // Presses the cluster button. When a queue menu opens, beforeChoice runs, the action of
-    // queue (if any) is triggered and the menu closes; true when a menu opened.
-    bool send(const QString& queue = {}, const std::function<void()>& beforeChoice = {})
+    // Presses the cluster button; in a queue menu the action of queue (if any) is triggered.
+    // True when a menu opened.
+    bool send(const QString& queue = {})
     {
         bool menuSeen = false;
         QTimer::singleShot(0, [&] {
@@ -49,10 +51,9 @@ protected:
             if (!menu)
                 return;
             menuSeen = true;
+            offered.clear();
             for (QAction* action : menu->actions())
                 offered << action->text();
-            if (beforeChoice)
-                beforeChoice();
             for (QAction* action : menu->actions()) {
                 if (action->text() == queue)
                     action->trigger();
@@ -68,111 +69,141 @@ protected:
         const auto& history = oxDialogResponder::history();
         return history.isEmpty() ? QString() : history.back().question;
     }
+    oxClusterManagerService::JobStatus waitForEnd(const std::string& folder)
+    {
+        oxClusterManagerService::JobStatus status;
+        oxSlurmTestCluster::waitFor(
+            [&] {
+                status = cluster.getJobStatus(folder);
+                return status.state == JobState::Completed || status.state == JobState::Failed;
+            },
+            180000);
+        return status;
+    }
+    static QStringList filesBelow(const std::string& folder)
+    {
+        QStringList files;
+        QDirIterator it(QString::fromStdString(folder), QDir::Files, QDirIterator::Subdirectories);
+        while (it.hasNext())
+            files << QDir::cleanPath(it.next());
+        files.sort();
+        return files;
+    }
 
-    oxTempDir spool;
+    oxSlurmTestCluster slurm;
+    std::string skipReason;
+    oxTempDir jobs;
+    oxTempDir output;
     QStringList offered;
 };
 
 } // namespace
 
-TEST_F(ClusterQueueTest, LoggedOutUserIsToldToLogIn)
+TEST_F(ClusterQueueTest, ConfiguratorJobRendersExactlyItsFilesAsOneArray)
 {
-    start();
+    if (!startCluster())
+        GTEST_SKIP() << "no Slurm cluster: " << skipReason;
+    // The configurator job of the example, small: paint and rim variants crossed, two passes.
+    oxRenderSettingsPreset& preset = window()->getCurrentPreset();
+    preset.variantSetsUsed = true;
+    preset.variantSets = {oxRenderAutomationVariantSetGroup("Paint"),
+                          oxRenderAutomationVariantSetGroup("Rims")};
+    preset.variantSets[0].setActiveVariantSetNames({"Paint Red", "Paint Blue"});
+    preset.variantSets[1].setActiveVariantSetNames({"Rims Sport", "Rims Classic"});
+    preset.renderpasses = true;
+    for (const oxRenderPassFlagInfo& info : kPassFlags)
+        preset.passFlag(info.flag) = info.flag == PassFlag::Beauty || info.flag == PassFlag::Depth;
+    oxRenderParameter::setImageSamples(1);
+    const std::string sceneFile = oxScene::current().fileName;
+
+    oxCallTrace::setEnabled(true);
+    EXPECT_FALSE(send()); // one queue: no menu
+    EXPECT_EQ(senders(), (std::vector<std::string>{"Send to cluster queue"}));
+    const std::string folder = cluster.getLastJobFolder();
+    ASSERT_FALSE(folder.empty());
+    EXPECT_EQ(oxScene::current().fileName, sceneFile);
+
+    oxMessage record;
+    ASSERT_TRUE(oxMessageRW::read(record, (folder + "/job.xml").c_str(), ""));
+    std::string id;
+    int tasks = 0;
+    std::vector<std::string> listed;
+    EXPECT_TRUE(record.get("slurmJobId", id));
+    EXPECT_TRUE(record.get("taskCount", tasks));
+    EXPECT_TRUE(record.get("files", listed));
+    EXPECT_EQ(tasks, 4); // 2 paints x 2 rims
+    EXPECT_EQ(listed.size(), 8u);
+
+    const oxClusterManagerService::JobStatus status = waitForEnd(folder);
+    ASSERT_EQ(status.state, JobState::Completed) << status.failure;
+    EXPECT_EQ(status.id, id);
+    EXPECT_EQ(status.tasksDone, 4);
+    QStringList expected;
+    for (const std::string& file : listed)
+        expected << QDir::cleanPath(QString::fromStdString(file));
+    expected.sort();
+    EXPECT_EQ(filesBelow(output.path()), expected);
+
+    // Rendered on this machine in one go, the job gives the same bytes.
+    std::vector<std::string> fromCluster;
+    for (const std::string& file : listed)
+        fromCluster.push_back(oxReadFile(file));
+    const oxProcessResult local = oxRunProcess(
+        std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin",
+        {"--no-gui", "--prefs-dir", jobs.path(), folder + "/scene.oxp", "--render", "--overwrite"},
+        120000);
+    ASSERT_EQ(local.exitCode, 0) << local.err;
+    for (size_t i = 0; i < listed.size(); ++i)
+        EXPECT_TRUE(oxReadFile(listed[i]) == fromCluster[i]) << listed[i];
+}
+
+TEST_F(ClusterQueueTest, QueuesArePartitionsAndJobsAreCancelledOrRefusedWhole)
+{
+    if (!startCluster({QStringLiteral("render"), QStringLiteral("held:DOWN"),
+                       QStringLiteral("closed:INACTIVE")}))
+        GTEST_SKIP() << "no Slurm cluster: " << skipReason;
+
+    // A partition whose nodes never run anything holds the job pending until cancelled.
+    EXPECT_TRUE(send(QStringLiteral("held")));
+    EXPECT_EQ(offered, (QStringList{QStringLiteral("render"), QStringLiteral("held"),
+                                    QStringLiteral("closed")}));
+    const std::string folder = cluster.getLastJobFolder();
+    ASSERT_FALSE(folder.empty());
+    EXPECT_EQ(cluster.getJobStatus(folder).state, JobState::Pending);
+    ASSERT_TRUE(cluster.cancelJob(folder));
+    EXPECT_EQ(cluster.getJobStatus(folder).state, JobState::Cancelled);
+    const oxSlurm::ArrayState array = oxSlurm::arrayState(cluster.getJobStatus(folder).id);
+    EXPECT_EQ(array.pending + array.running, 0);
+
+    // A partition that takes no jobs: one message, and no job folder is left behind.
+    const QStringList before =
+        QDir(QString::fromStdString(jobs.path()))
+            .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    allowLogPrefix("Can't create a cluster job in '" + jobs.path() + "': Slurm refused the job (");
+    EXPECT_TRUE(send(QStringLiteral("closed")));
+    EXPECT_EQ(lastQuestion(), QStringLiteral("Unable to create job for cluster queue"));
+    EXPECT_EQ(QDir(QString::fromStdString(jobs.path()))
+                  .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+              before);
+    EXPECT_EQ(cluster.getLastJobFolder(), folder);
+}
+
+TEST_F(ClusterQueueTest, StoppedControllerMeansLoggedOut)
+{
+    if (!startCluster())
+        GTEST_SKIP() << "no Slurm cluster: " << skipReason;
+    EXPECT_TRUE(cluster.isLoggedIn());
+    EXPECT_EQ(cluster.getQueueNames(), QStringList{QStringLiteral("render")});
+
+    slurm.stopController();
     window()->_sendToClusterQueue->click();
-    ASSERT_EQ(oxDialogResponder::history().size(), 1);
-    EXPECT_EQ(oxDialogResponder::history().front().title, oxPlatform::getAppVersionName());
+    const std::string problem = cluster.getLoginProblem();
+    EXPECT_FALSE(problem.empty());
+    expectLog(oxLog::Warning,
+              "Cluster manager: logged out, no Slurm controller answers (" + problem +
+                  "). Check that slurmctld runs and that SLURM_CONF or the preference "
+                  "\"Cluster Slurm Configuration\" names its configuration.");
     EXPECT_EQ(lastQuestion(), QStringLiteral("Please login to the cluster manager module"));
     EXPECT_TRUE(senders().empty());
-
-    // The service refuses on its own too, and says how to log in.
-    expectLog(oxLog::Error, "Can't create a cluster job: not logged in to a cluster spool folder "
-                            "(set the preference \"Cluster Spool Folder\" or start oxlin with "
-                            "--cluster-spool DIR).");
-    EXPECT_FALSE(cluster.createRenderJob(nullptr, QString()));
-
-    // Logged in by the preference.
-    oxPreferences::getData().set(oxClusterManagerService::kSpoolPreference, spool.path());
-    oxClusterManagerService configured;
-    oxPreferences::getData().remove(oxClusterManagerService::kSpoolPreference);
-    EXPECT_TRUE(configured.isLoggedIn());
-}
-
-TEST_F(ClusterQueueTest, JobLandsInTheSpoolFolderWithTheSceneState)
-{
-    start();
-    ASSERT_TRUE(cluster.login(spool.path()));
-    window()->getCurrentPreset().filename = "/out/cluster.png";
-    const std::string sceneFile = oxScene::current().fileName;
-    oxController::setModified(true);
-
-    // No queue: no menu, the job goes into the spool folder itself, and nothing
-    // half-written is left beside it.
-    EXPECT_FALSE(send());
-    EXPECT_EQ(senders(), (std::vector<std::string>{"Send to cluster queue"}));
-    ASSERT_EQ(jobsIn(), 1);
-    EXPECT_EQ(QDir(folder()).entryList(QDir::Dirs | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
-
-    // The scene state loads as a project, with the plug-in's settings in its record.
-    const QDir job(QString::fromStdString(cluster.getLastJobFolder()));
-    oxMessage record;
-    ASSERT_NE(oxSceneIO::load(job.filePath("scene.oxp").toStdString(), &record), nullptr);
-    std::string filename;
-    EXPECT_TRUE(record.get("MovieExport Filename", filename));
-    EXPECT_EQ(filename, "/out/cluster.png");
-    oxMessage jobRecord;
-    EXPECT_TRUE(oxMessageRW::read(jobRecord, job.filePath("job.xml").toUtf8().constData(), ""));
-    EXPECT_TRUE(jobRecord.has("queue"));
-
-    // The open scene keeps its own file and state.
-    EXPECT_EQ(oxScene::current().fileName, sceneFile);
-    EXPECT_TRUE(oxController::isModified());
-    oxController::setModified(false);
-
-    // With one queue it takes the job, still without a menu.
-    ASSERT_TRUE(QDir(folder()).mkpath(QStringLiteral("render")));
-    EXPECT_FALSE(send());
-    EXPECT_EQ(jobsIn(QStringLiteral("render")), 1);
-    EXPECT_TRUE(oxDialogResponder::history().isEmpty());
-}
-
-TEST_F(ClusterQueueTest, SeveralQueuesAreOfferedInAMenu)
-{
-    start();
-    for (const char* queue : {"beta", "alpha"})
-        ASSERT_TRUE(QDir(folder()).mkpath(QString::fromLatin1(queue)));
-    ASSERT_TRUE(cluster.login(spool.path()));
-
-    EXPECT_TRUE(send(QStringLiteral("beta")));
-    EXPECT_EQ(offered, (QStringList{QStringLiteral("alpha"), QStringLiteral("beta")}));
-    EXPECT_EQ(jobsIn(QStringLiteral("beta")), 1);
-    EXPECT_EQ(jobsIn(QStringLiteral("alpha")), 0);
-
-    // Closing the menu creates no job, though the notice went out before it opened.
-    senders().clear();
-    EXPECT_TRUE(send());
-    EXPECT_EQ(senders().size(), 1u);
-    EXPECT_EQ(jobsIn(QStringLiteral("alpha")) + jobsIn(QStringLiteral("beta")), 1);
-
-    // A queue that vanished while the menu was open refuses the job, and the user is told.
-    expectLog(oxLog::Error, "Can't create a cluster job: the spool folder '" +
-                                QDir(folder()).absolutePath().toStdString() +
-                                "' has no queue 'alpha'.");
-    EXPECT_TRUE(send(QStringLiteral("alpha"),
-                     [&] { QDir(folder(QStringLiteral("alpha"))).removeRecursively(); }));
-    EXPECT_EQ(lastQuestion(), QStringLiteral("Unable to create job for cluster queue"));
-}
-
-TEST(ClusterSpoolOptionTest, UnusableSpoolFolderStopsTheHost)
-{
-    // A file where the spool folder should be: oxlin names it and exits before loading.
-    oxTempDir dir;
-    const std::string file = dir.file("spool");
-    ASSERT_TRUE(oxFile::writeAtomically(file, "not a folder"));
-    const oxProcessResult result =
-        oxRunProcess(std::string(OX_TEST_BINARY_DIR) + "/bin/oxlin",
-                     {"--no-gui", "--prefs-dir", dir.path(), "--cluster-spool", file});
-    EXPECT_EQ(result.exitCode, 2);
-    EXPECT_NE(result.err.find("Can't use '" + file + "' as the cluster spool folder"),
-              std::string::npos)
-        << result.err;
+    EXPECT_TRUE(cluster.getQueueNames().isEmpty());
 }
