@@ -153,6 +153,7 @@ oxRenderQueue::oxRenderQueue() : oxModuleBase("RenderQueue", "Rendering", 0, nul
     layout->addLayout(run);
     layout->addWidget(m_list);
     layout->addLayout(edit);
+    createClusterList(m_widget);
     updateButtons();
 
     m_progressTimer.setInterval(250);

@@ -101,6 +101,13 @@ public:
     bool isRunning() const { return m_running; }
     bool isPaused() const { return m_paused; }
 
+    /// The cluster jobs of this session (from the host's cluster manager) with their state as
+    /// Slurm and the tasks report it; refreshed every few seconds while the dock is shown.
+    QTreeWidget* clusterJobList() const { return m_clusterList; }
+    void refreshClusterJobs();
+    /// Cancels the cluster job of row; false when there is none or Slurm refuses.
+    bool cancelClusterJob(int row);
+
     /// Renders every waiting job in order, now, without questions: existing files fail a job
     /// unless overwrite. A failing job doesn't stop the next. The number of jobs that didn't
     /// end done.
@@ -123,6 +130,7 @@ private:
     void saveToProject(oxMessage& project) const;
     void loadFromProject(const oxMessage& project);
     void forgetJobs();
+    void createClusterList(QWidget* parent);
 
     std::vector<Job> m_jobs;
     QPointer<QWidget> m_widget;
@@ -131,6 +139,9 @@ private:
     QPushButton* m_pause = nullptr;
     QPushButton* m_stop = nullptr;
     QPointer<QOXDockWidget> m_dock;
+    QTreeWidget* m_clusterList = nullptr;
+    QTimer m_clusterTimer;
+    std::vector<std::string> m_clusterFolders;
     QTimer m_progressTimer;
     std::vector<std::string> m_renderingFiles;
     QDateTime m_renderStart;

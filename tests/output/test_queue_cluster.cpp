@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QTimer>
+#include <QTreeWidget>
 
 #include <algorithm>
 
@@ -143,6 +144,9 @@ TEST_F(ClusterQueueTest, ConfiguratorJobRendersExactlyItsFilesAsOneArray)
         expected << QDir::cleanPath(QString::fromStdString(file));
     expected.sort();
     EXPECT_EQ(filesBelow(output.path()), expected);
+    queue->refreshClusterJobs();
+    EXPECT_EQ(queue->clusterJobList()->topLevelItem(0)->text(2), QStringLiteral("Completed"));
+    EXPECT_EQ(queue->clusterJobList()->topLevelItem(0)->text(3), QStringLiteral("4/4"));
 
     // Rendered on this machine in one go, the job gives the same bytes.
     std::vector<std::string> fromCluster;
@@ -169,8 +173,15 @@ TEST_F(ClusterQueueTest, QueuesArePartitionsAndJobsAreCancelledOrRefusedWhole)
                                     QStringLiteral("closed")}));
     const std::string folder = cluster.getLastJobFolder();
     ASSERT_FALSE(folder.empty());
-    EXPECT_EQ(cluster.getJobStatus(folder).state, JobState::Pending);
-    ASSERT_TRUE(cluster.cancelJob(folder));
+    // The queue dock shows it, and cancels it.
+    queue->refreshClusterJobs();
+    QTreeWidget* list = queue->clusterJobList();
+    ASSERT_EQ(list->topLevelItemCount(), 1);
+    EXPECT_EQ(list->topLevelItem(0)->text(2), QStringLiteral("Pending"));
+    EXPECT_EQ(list->topLevelItem(0)->text(3), QStringLiteral("0/1"));
+    list->setCurrentItem(list->topLevelItem(0));
+    queue->getMainWidget()->findChild<QPushButton*>(QStringLiteral("_cancelClusterJob"))->click();
+    EXPECT_EQ(list->topLevelItem(0)->text(2), QStringLiteral("Cancelled"));
     EXPECT_EQ(cluster.getJobStatus(folder).state, JobState::Cancelled);
     const oxSlurm::ArrayState array = oxSlurm::arrayState(cluster.getJobStatus(folder).id);
     EXPECT_EQ(array.pending + array.running, 0);
@@ -206,4 +217,20 @@ TEST_F(ClusterQueueTest, StoppedControllerMeansLoggedOut)
     EXPECT_EQ(lastQuestion(), QStringLiteral("Please login to the cluster manager module"));
     EXPECT_TRUE(senders().empty());
     EXPECT_TRUE(cluster.getQueueNames().isEmpty());
+}
+
+TEST_F(ClusterQueueTest, FailedTasksShowTheEndOfTheirLogs)
+{
+    if (!startCluster())
+        GTEST_SKIP() << "no Slurm cluster: " << skipReason;
+    // Nodes without the program: every task fails, and its log says why.
+    cluster.setRenderProgram(jobs.file("missing/oxlin"));
+    EXPECT_FALSE(send());
+    const oxClusterManagerService::JobStatus status = waitForEnd(cluster.getLastJobFolder());
+    EXPECT_EQ(status.state, JobState::Failed);
+    EXPECT_EQ(status.tasksDone, 0);
+    EXPECT_EQ(status.failure.rfind("Task 0:\n", 0), 0u) << status.failure;
+    EXPECT_NE(status.failure.find(jobs.file("missing/oxlin")), std::string::npos) << status.failure;
+    queue->refreshClusterJobs();
+    EXPECT_TRUE(queue->clusterJobList()->topLevelItem(0)->text(2).startsWith("Failed: Task 0:"));
 }
