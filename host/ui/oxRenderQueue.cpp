@@ -112,6 +112,10 @@ oxRenderQueue::oxRenderQueue() : oxModuleBase("RenderQueue", "Rendering", 0, nul
     m_list->setHeaderLabels({tr("Output"), tr("State"), tr("Size"), tr("Frames"), tr("Renders"),
                              tr("Files"), tr("Cluster Hosts")});
     m_list->header()->setStretchLastSection(true);
+    // The state (with a failure's reason) says the most and gets the room.
+    m_list->setColumnWidth(0, 160);
+    m_list->setColumnWidth(1, 260);
+    m_list->setMinimumHeight(150);
 
     auto button = [this](const QString& text, const char* name) {
         auto* pushButton = new QPushButton(text, m_widget);
@@ -151,7 +155,7 @@ oxRenderQueue::oxRenderQueue() : oxModuleBase("RenderQueue", "Rendering", 0, nul
     edit->addWidget(clear);
     auto* layout = new QVBoxLayout(m_widget);
     layout->addLayout(run);
-    layout->addWidget(m_list);
+    layout->addWidget(m_list, 3);
     layout->addLayout(edit);
     createClusterList(m_widget);
     updateButtons();
@@ -252,14 +256,17 @@ void oxRenderQueue::updateRow(int index)
         state += QStringLiteral(" %1/%2").arg(entry.filesDone).arg(entry.filesTotal);
     if (entry.state == State::Failed && !entry.reason.empty())
         state += QStringLiteral(": ") + QString::fromStdString(entry.reason);
+    // The file name shows; the whole path is the tooltip.
+    const QString output = jobText(job, "MovieExport Filename");
     const QStringList texts{
-        jobText(job, "MovieExport Filename"), state,
+        output.section(QLatin1Char('/'), -1), state,
         sized ? QStringLiteral("%1 x %2").arg(double(width)).arg(double(height)) : QString(),
         frames, jobNumber(job, "ImageExport statistics total renders"),
         // The job record spells its file count key so.
         jobNumber(job, "ImageExport statistics toal files"), jobText(job, "Export cluster hosts")};
     for (int column = 0; column < texts.size(); ++column)
         item->setText(column, texts[column]);
+    item->setToolTip(0, output);
     item->setToolTip(1, QString::fromStdString(entry.reason));
 }
 

@@ -59,6 +59,7 @@ void oxRenderQueue::createClusterList(QWidget* parent)
     m_clusterList->setRootIsDecorated(false);
     m_clusterList->setHeaderLabels({tr("Job"), tr("Slurm Job"), tr("State"), tr("Tasks")});
     m_clusterList->header()->setStretchLastSection(true);
+    m_clusterList->setMinimumHeight(90);
     auto* cancel = new QPushButton(tr("Cancel Cluster Job"), parent);
     cancel->setObjectName(QStringLiteral("_cancelClusterJob"));
     connect(cancel, &QPushButton::clicked, this, [this] {
@@ -67,9 +68,10 @@ void oxRenderQueue::createClusterList(QWidget* parent)
     auto* buttons = new QHBoxLayout();
     buttons->addStretch(1);
     buttons->addWidget(cancel);
-    parent->layout()->addWidget(label);
-    parent->layout()->addWidget(m_clusterList);
-    static_cast<QBoxLayout*>(parent->layout())->addLayout(buttons);
+    auto* layout = static_cast<QBoxLayout*>(parent->layout());
+    layout->addWidget(label);
+    layout->addWidget(m_clusterList, 1);
+    layout->addLayout(buttons);
 
     m_clusterTimer.setInterval(kClusterPollMs);
     connect(&m_clusterTimer, &QTimer::timeout, this, [this] {

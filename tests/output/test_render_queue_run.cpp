@@ -143,7 +143,7 @@ TEST_F(RenderQueueRunTest, QueueIsKeptWithTheProjectAndRendersAfterALoad)
     EXPECT_EQ(queue->jobCount(), 0);
     ASSERT_TRUE(oxSceneIO::open(project));
     ASSERT_EQ(queue->jobCount(), 2);
-    EXPECT_EQ(queue->jobList()->topLevelItem(0)->text(0),
+    EXPECT_EQ(queue->jobList()->topLevelItem(0)->toolTip(0),
               QString::fromStdString(dir.file("saved-b.png")));
     window()->getCurrentPreset().filename = dir.file("elsewhere.png");
 
@@ -171,10 +171,9 @@ TEST_F(RenderQueueRunTest, HeadlessRunRendersTheProjectsQueue)
     EXPECT_TRUE(isImage(dir.file("headless-a.png"), 24, 16));
     EXPECT_EQ(oxReadFile(dir.file("headless-b.png")), "old");
 
-    result = oxRunProcess(oxlin,
-                          {"--no-gui", "--prefs-dir", dir.path(), project, "--render-queue",
-                           "--overwrite"},
-                          120000);
+    result = oxRunProcess(
+        oxlin, {"--no-gui", "--prefs-dir", dir.path(), project, "--render-queue", "--overwrite"},
+        120000);
     EXPECT_EQ(result.exitCode, 0) << result.err;
     EXPECT_TRUE(isImage(dir.file("headless-b.png"), 24, 16));
 }
