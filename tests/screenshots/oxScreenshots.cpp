@@ -1,15 +1,20 @@
 // oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
 // the main window with the docked window, each tab of the window with every section open,
 // the render pass section on each of its tabs, the Variant Sets section with the statistics,
-// the host's Script Editor after a run, and the preferences dialog on the Render Settings page.
+// the host's Script Editor after a run, the preferences dialog on the Render Settings page, and
+// the Render Queue dock after a run of its jobs.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
 #include "QOXCollapsibleFrame.h"
 #include "QOXDockWindowManager.h"
+#include "oxController.h"
+#include "oxImageSource.h"
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
 #include "oxPreferencesDialog.h"
+#include "oxRaytracerSource.h"
+#include "oxRenderQueue.h"
 #include "oxRenderSettings.h"
 #include "oxSceneIO.h"
 #include "oxScript.h"
@@ -17,6 +22,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
@@ -119,6 +125,46 @@ bool saveVariantSets(oxMainWindow& mainWindow, oxRenderSettings& window, const Q
     return save(window._statistics_frame, dir, QStringLiteral("render_statistics")) && ok;
 }
 
+// The Render Queue dock after a run: two jobs done, one failed (a file where its folder should
+// be), one still waiting.
+bool saveRenderQueue(oxMainWindow& mainWindow, oxRenderSettings& window, const QDir& dir)
+{
+    oxRenderQueue queue;
+    QOXDockWidget* dock = queue.dockWidget();
+    QDir out(dir.filePath(QStringLiteral("render_queue_output")));
+    out.removeRecursively();
+    if (!dock || !QDir().mkpath(out.path())) {
+        std::fprintf(stderr, "oxscreenshots: no Render Queue dock\n");
+        return false;
+    }
+    QFile blocker(out.filePath(QStringLiteral("blocked")));
+    blocker.open(QIODevice::WriteOnly);
+    blocker.close();
+    oxSceneIO::newScene();
+    window.clearVariantSetGroups();
+    window._variantSetsUsed->setChecked(false);
+    for (const char* name : {"front.png", "blocked/side.png", "top.png", "back.png"}) {
+        oxRenderSettingsPreset& preset = window.getCurrentPreset();
+        preset.filename = out.filePath(QString::fromLatin1(name)).toStdString();
+        preset.pixel_width = 64.0f;
+        preset.pixel_height = 36.0f;
+        window.buildRenderJobMessage();
+    }
+    // The jobs render with the host's raytracer, as in oxlin.
+    oxImageSource* previous = oxImageSource::current();
+    oxImageSource::setCurrent(&oxRaytracerSource::the());
+    queue.renderAll(true);
+    oxImageSource::setCurrent(previous);
+    queue.requeueJob(3);
+    dock->show();
+    mainWindow.resize(1400, 1100);
+    mainWindow.resizeDocks({dock}, {560}, Qt::Vertical);
+    QCoreApplication::processEvents();
+    const bool ok = save(dock, dir, QStringLiteral("render_queue"));
+    out.removeRecursively();
+    return ok;
+}
+
 // The preferences dialog with the Render Settings page, on its first two tabs.
 bool savePreferences(oxMainWindow& mainWindow, const QDir& dir)
 {
@@ -185,6 +231,7 @@ int main(int argc, char** argv)
     ok = saveVariantSets(mainWindow, *window, dir) && ok;
     ok = saveScriptEditor(mainWindow, dir) && ok;
     ok = savePreferences(mainWindow, dir) && ok;
+    ok = saveRenderQueue(mainWindow, *window, dir) && ok;
     oxScript::stop();
     return ok ? 0 : 1;
 }
