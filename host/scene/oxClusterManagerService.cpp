@@ -27,6 +27,8 @@ const char kPartialPrefix[] = ".partial-";
 // The callback of the render settings plug-in that lists (and counts the tasks of) a job.
 const char kListCallback[] = "oxMovieExport::listOutputFiles";
 const char kRenderCallback[] = "oxMovieExport::renderOutputFiles";
+// How long a submission may take before it counts as lost.
+const int kSubmitTimeoutMs = 30000;
 // How much of a failed task's log is shown.
 const int kLogTailLines = 6;
 
@@ -206,7 +208,16 @@ bool oxClusterManagerService::writeAndSubmit(const QString& queueName)
     const std::string nodes = oxSlurm::nodeList(hosts);
     if (!nodes.empty())
         arguments << QStringLiteral("--nodelist=%1").arg(toQ(nodes));
-    const oxSlurm::Result submitted = oxSlurm::run(QStringLiteral("sbatch"), arguments);
+    const oxSlurm::Result submitted =
+        oxSlurm::run(QStringLiteral("sbatch"), arguments, kSubmitTimeoutMs);
+    if (submitted.timedOut) {
+        // The controller may have queued it all the same: a job without its folder must not
+        // run.
+        oxSlurm::run(QStringLiteral("scancel"), {QStringLiteral("--name=oxlin-%1").arg(name)});
+        return fail(final, "Slurm gave no answer to the submission within " +
+                               std::to_string(kSubmitTimeoutMs / 1000) +
+                               " s (the controller is busy or unreachable; try again)");
+    }
     if (!submitted.ok)
         return fail(final, "Slurm refused the job (" + submitted.problem() + ")");
     // "--parsable" answers "id" or "id;cluster".

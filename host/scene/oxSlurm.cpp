@@ -43,6 +43,7 @@ Result run(const QString& program, const QStringList& arguments, int timeoutMs)
     if (!process.waitForFinished(timeoutMs)) {
         process.kill();
         process.waitForFinished(1000);
+        result.timedOut = true;
         result.err = program.toStdString() + " gave no answer within " +
                      std::to_string(timeoutMs / 1000) + " s";
         return result;

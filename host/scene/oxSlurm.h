@@ -14,6 +14,7 @@ namespace oxSlurm {
 /// What a command gave: whether it ran and exited with 0, and its output.
 struct Result {
     bool ok = false;
+    bool timedOut = false;
     std::string out;
     std::string err;
     /// The first line that says why it failed ("" on success).
