@@ -111,6 +111,21 @@ TEST_F(RenderQueueRunTest, PauseLetsTheRunningJobFinishAndStartResumes)
     EXPECT_TRUE(isImage(dir.file("two.png"), 24, 16));
 }
 
+TEST_F(RenderQueueRunTest, CancelledJobStopsTheQueue)
+{
+    addJob(dir.file("cancelled.png"));
+    addJob(dir.file("after.png"));
+    // Cancel as the progress dialog's button does, during the first job's first image.
+    oxImageWriter* writer = module->getImageWriter();
+    writer->setProgressCallback([writer](const oxImageWriter::ProgressInfo&) { writer->cancel(); });
+    runQueue();
+    writer->setProgressCallback(nullptr);
+    EXPECT_EQ(states(), (std::vector<State>{State::Cancelled, State::Waiting}));
+    EXPECT_EQ(queue->jobList()->topLevelItem(0)->text(1), QStringLiteral("Cancelled"));
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(dir.file("cancelled.png"))));
+    EXPECT_FALSE(QFileInfo::exists(QString::fromStdString(dir.file("after.png"))));
+}
+
 TEST_F(RenderQueueRunTest, ExistingFilesAreAskedAboutOnceBeforeTheFirstJob)
 {
     addJob(dir.file("kept.png"));
