@@ -63,9 +63,13 @@ void oxMovieExport::clickedSendToClusterQueue()
         oxKernelServiceFactory::getService<oxClusterManagerService>();
     // A host without a cluster manager has nobody to log in to: the user is told the same.
     if (!service || !service->isLoggedIn()) {
-        QMessageBox::warning(nullptr, oxPlatform::getAppVersionName(),
-                             tr("Please login to the cluster manager module"), QMessageBox::Ok,
-                             QMessageBox::NoButton);
+        QMessageBox box(QMessageBox::Warning, oxPlatform::getAppVersionName(),
+                        tr("Please login to the cluster manager module"), QMessageBox::Ok);
+        box.setDefaultButton(QMessageBox::NoButton);
+        // Why the cluster manager can't log in is what the user has to fix.
+        if (service && !service->getLoginProblem().empty())
+            box.setInformativeText(QString::fromStdString(service->getLoginProblem()));
+        box.exec();
         return;
     }
     const QStringList queues = service->getQueueNames();

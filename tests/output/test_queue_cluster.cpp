@@ -214,7 +214,9 @@ TEST_F(ClusterQueueTest, StoppedControllerMeansLoggedOut)
               "Cluster manager: logged out, no Slurm controller answers (" + problem +
                   "). Check that slurmctld runs and that SLURM_CONF or the preference "
                   "\"Cluster Slurm Configuration\" names its configuration.");
-    EXPECT_EQ(lastQuestion(), QStringLiteral("Please login to the cluster manager module"));
+    // The warning names the reason.
+    EXPECT_EQ(lastQuestion().toStdString(),
+              "Please login to the cluster manager module " + problem);
     EXPECT_TRUE(senders().empty());
     EXPECT_TRUE(cluster.getQueueNames().isEmpty());
 }
