@@ -145,6 +145,15 @@ bool oxClusterManagerService::writeAndSubmit(const QString& queueName)
         return false;
     }
 
+    QStringList hostLimit;
+    std::string problem;
+    if (!oxSlurm::addHostLimit(hosts, hostLimit, problem)) {
+        oxLog::error("Can't create a cluster job: %s (check the cluster hosts of the render "
+                     "settings).",
+                     problem.c_str());
+        return false;
+    }
+
     ++m_jobCount;
     const QDateTime now = QDateTime::currentDateTime();
     const QString name = QStringLiteral("job-%1-%2-%3")
@@ -205,9 +214,7 @@ bool oxClusterManagerService::writeAndSubmit(const QString& queueName)
         QStringLiteral("--wrap=%1").arg(toQ(command))};
     if (!queueName.isEmpty())
         arguments << QStringLiteral("--partition=%1").arg(queueName);
-    const std::string nodes = oxSlurm::nodeList(hosts);
-    if (!nodes.empty())
-        arguments << QStringLiteral("--nodelist=%1").arg(toQ(nodes));
+    arguments << hostLimit;
     const oxSlurm::Result submitted =
         oxSlurm::run(QStringLiteral("sbatch"), arguments, kSubmitTimeoutMs);
     if (submitted.timedOut) {

@@ -108,11 +108,38 @@ ArrayState arrayState(const std::string& id)
     return state;
 }
 
-std::string nodeList(const std::string& hosts)
+bool addHostLimit(const std::string& hosts, QStringList& arguments, std::string& problem)
 {
-    const QStringList names = QString::fromStdString(hosts).split(
+    const QStringList wanted = QString::fromStdString(hosts).split(
         QRegularExpression(QStringLiteral("[,;\\s]+")), Qt::SkipEmptyParts);
-    return names.join(QLatin1Char(',')).toStdString();
+    if (wanted.isEmpty())
+        return true;
+    const Result listed =
+        run(QStringLiteral("sinfo"), {QStringLiteral("-h"), QStringLiteral("-N"),
+                                      QStringLiteral("-o"), QStringLiteral("%N")});
+    QStringList nodes;
+    for (const QString& line : QString::fromStdString(listed.out).split('\n')) {
+        if (!line.trimmed().isEmpty() && !nodes.contains(line.trimmed()))
+            nodes << line.trimmed();
+    }
+    for (const QString& host : wanted) {
+        if (!nodes.contains(host)) {
+            problem = "the cluster has no node '" + host.toStdString() + "'";
+            return false;
+        }
+    }
+    if (wanted.size() == 1) {
+        arguments << QStringLiteral("--nodelist=") + wanted.first();
+        return true;
+    }
+    QStringList others;
+    for (const QString& node : nodes) {
+        if (!wanted.contains(node))
+            others << node;
+    }
+    if (!others.isEmpty())
+        arguments << QStringLiteral("--exclude=") + others.join(QLatin1Char(','));
+    return true;
 }
 
 std::string shellQuoted(const std::string& text)

@@ -42,9 +42,12 @@ struct ArrayState {
 /// The state of job array id.
 ArrayState arrayState(const std::string& id);
 
-/// A node list from a text of host names separated by commas, semicolons or white space
-/// ("" when it names none).
-std::string nodeList(const std::string& hosts);
+/// Adds to arguments of sbatch what keeps a job array on the hosts of a text of host names
+/// (separated by commas, semicolons or white space; none: nothing to add). Each task is one
+/// node's work, so one host is the node list, and several exclude every other node of the
+/// cluster (a node list would ask each task for all of them). False with problem when a host
+/// isn't a node of the cluster.
+bool addHostLimit(const std::string& hosts, QStringList& arguments, std::string& problem);
 
 /// Quotes text for the shell that runs a batch script.
 std::string shellQuoted(const std::string& text);

@@ -11,8 +11,10 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QDirIterator>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
 #include <QTimer>
@@ -115,6 +117,11 @@ TEST_F(ClusterQueueTest, ConfiguratorJobRendersExactlyItsFilesAsOneArray)
     for (const oxRenderPassFlagInfo& info : kPassFlags)
         preset.passFlag(info.flag) = info.flag == PassFlag::Beauty || info.flag == PassFlag::Depth;
     oxRenderParameter::setImageSamples(1);
+    // The tasks are kept to the cluster hosts: here the one node.
+    char host[256] = {};
+    ::gethostname(host, sizeof(host) - 1);
+    window()->_cluster->setChecked(true);
+    window()->_cluster_hosts->setText(QString::fromLocal8Bit(host).section('.', 0, 0));
     const std::string sceneFile = oxScene::current().fileName;
 
     oxCallTrace::setEnabled(true);
@@ -185,6 +192,15 @@ TEST_F(ClusterQueueTest, QueuesArePartitionsAndJobsAreCancelledOrRefusedWhole)
     EXPECT_EQ(cluster.getJobStatus(folder).state, JobState::Cancelled);
     const oxSlurm::ArrayState array = oxSlurm::arrayState(cluster.getJobStatus(folder).id);
     EXPECT_EQ(array.pending + array.running, 0);
+
+    // Cluster hosts the cluster doesn't have: no job.
+    window()->_cluster->setChecked(true);
+    window()->_cluster_hosts->setText(QStringLiteral("nowhere"));
+    expectLog(oxLog::Error, "Can't create a cluster job: the cluster has no node 'nowhere' "
+                            "(check the cluster hosts of the render settings).");
+    EXPECT_TRUE(send(QStringLiteral("render")));
+    EXPECT_EQ(lastQuestion(), QStringLiteral("Unable to create job for cluster queue"));
+    window()->_cluster->setChecked(false);
 
     // A partition that takes no jobs: one message, and no job folder is left behind.
     const QStringList before =
