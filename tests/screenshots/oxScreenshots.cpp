@@ -8,7 +8,6 @@
 
 #include "QOXCollapsibleFrame.h"
 #include "QOXDockWindowManager.h"
-#include "oxController.h"
 #include "oxImageSource.h"
 #include "oxMainWindow.h"
 #include "oxPlatform.h"
