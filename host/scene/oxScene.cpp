@@ -1,6 +1,7 @@
 #include "oxScene.h"
 
 #include "oxCallTrace.h"
+#include "oxUndoStack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -124,6 +125,8 @@ oxScene& oxScene::current()
 
 std::unique_ptr<oxScene> oxScene::replaceCurrent(std::unique_ptr<oxScene> scene)
 {
+    // Commands on the undo stack hold nodes of the scene that goes.
+    oxUndoStack::the()->clear();
     std::unique_ptr<oxScene> previous = std::move(currentScene());
     currentScene() = std::move(scene);
     return previous;
