@@ -1,5 +1,6 @@
 #include "oxRayShading.h"
 
+#include "oxBrdfIntegration.h"
 #include "oxCryptomatte.h"
 #include "oxSceneServices.h"
 
@@ -20,6 +21,38 @@ Vec3 idColorOf(const std::string& name)
     const uint32_t hash = oxCryptomatte::murmurHash3(name);
     auto channel = [&](int shift) { return 0.2f + 0.8f * float((hash >> shift) & 0xffu) / 255.0f; };
     return {channel(0), channel(8), channel(16)};
+}
+
+// The specular colour at an angle whose cosine is cosine: constant without Fresnel, else
+// Schlick's curve from the glossy colour towards that colour's own hue at full strength.
+Vec3 specularColor(const ShadeMaterial& material, float cosine)
+{
+    if (!material.fresnel)
+        return material.specular;
+    const Vec3& f0 = material.specular;
+    const float peak = std::max({f0[0], f0[1], f0[2], 1e-6f});
+    const Vec3 grazing = f0 * (1.0f / peak);
+    const float weight = std::pow(1.0f - std::clamp(cosine, 0.0f, 1.0f), 5.0f);
+    return f0 + (grazing - f0) * weight;
+}
+
+// The normalised specular lobe for light arriving along toLight: Blinn-Phong, or GGX with
+// its masking term.
+float highlight(const ShadeMaterial& material, const Vec3& normal, const Vec3& halfway,
+                const Vec3& toLight, const Vec3& toEye)
+{
+    const float nh = std::max(0.0f, dot(normal, halfway));
+    if (!material.ggx)
+        return (material.shininess + 2.0f) / (8.0f * kPi) * std::pow(nh, material.shininess);
+    const float alpha = material.roughness * material.roughness;
+    const float a2 = alpha * alpha;
+    const float d = nh * nh * (a2 - 1.0f) + 1.0f;
+    const float distribution = a2 / (kPi * d * d);
+    const float nl = std::max(1e-4f, dot(normal, toLight));
+    const float nv = std::max(1e-4f, dot(normal, toEye));
+    const float k = alpha * 0.5f;
+    const float masking = (nl / (nl * (1.0f - k) + k)) * (nv / (nv * (1.0f - k) + k));
+    return distribution * masking / (4.0f * nl * nv);
 }
 
 } // namespace
@@ -50,8 +83,16 @@ void RenderContext::loadMaterials(const oxSceneSnapshot& snapshot,
             material.roughness = std::clamp(brdf->roughness, 0.02f, 1.0f);
             const float r4 = std::pow(material.roughness, 4.0f);
             material.shininess = std::clamp(2.0f / r4 - 2.0f, 1.0f, 10000.0f);
+            const osg::UInt32 mode = brdf->getRenderMode();
+            material.fresnel = (mode & osg::UberMaterial::fresnel_respects_glossy_color) != 0;
+            material.ggx = (mode & osg::UberMaterial::use_ggx_brdf) != 0;
+            if (material.ggx) {
+                const float reflected =
+                    std::max({material.specular[0], material.specular[1], material.specular[2]});
+                material.diffuse = material.diffuse * (1.0f - std::clamp(reflected, 0.0f, 1.0f));
+            }
             const osg::Vec4f& glow = brdf->getIncandescenceColor();
-            material.emission = Vec3{glow[0], glow[1], glow[2]} * glow[3];
+            material.emission = Vec3{glow[0], glow[1], glow[2]} * (glow[3] * exposure);
         }
         material.idColor = idColorOf(name);
         material.cryptoId = oxCryptomatte::idOf(name);
@@ -97,7 +138,7 @@ void RenderContext::loadLights(const oxSceneSnapshot& snapshot, const oxScene& s
         light.type = source.light->type;
         light.position = source.position;
         light.direction = source.light == headlight ? camera.forward : normalize(source.direction);
-        light.radiance = Vec3(source.light->color) * source.light->value;
+        light.radiance = Vec3(source.light->color) * (source.light->value * exposure);
         light.attenuation = source.light->attenuation;
         const float half = std::clamp(source.light->spotAngle, 0.0f, 179.0f) * kPi / 360.0f;
         light.cosOuter = std::cos(half);
@@ -174,9 +215,9 @@ Vec3 RenderContext::directLight(const Vec3& point, const Vec3& normal, const Vec
         if (cosine <= 0.0f || occluded(point, toLight, distance, time))
             continue;
         const Vec3 halfway = normalize(toLight + toEye);
-        const float highlight = (material.shininess + 2.0f) / (8.0f * kPi) *
-                                std::pow(std::max(0.0f, dot(normal, halfway)), material.shininess);
-        const Vec3 brdf = material.diffuse * (1.0f / kPi) + material.specular * highlight;
+        const Vec3 brdf = material.diffuse * (1.0f / kPi) +
+                          specularColor(material, dot(toEye, halfway)) *
+                              highlight(material, normal, halfway, toLight, toEye);
         sum = sum + brdf * light.radiance * (cosine * scale);
     }
     return sum;
@@ -248,12 +289,16 @@ void RenderContext::shade(const Vec3& direction, const PrimaryHit& hit, const Sa
         // Reflection of the environment, blurred by roughness.
         sampler.get(DimReflection, u, v);
         const Vec3 mirror = direction - normal * (2.0f * dot(direction, normal));
-        const float spread = material.roughness * material.roughness;
+        // GGX integration keeps the lobe's long tails: a wider blur for the same roughness.
+        const float spread = oxBrdfIntegration::getBrdfType() == 2
+                                 ? material.roughness
+                                 : material.roughness * material.roughness;
         Vec3 reflected =
             normalize(mirror + (tangent * (u - 0.5f) + bitangent * (v - 0.5f)) * (2.0f * spread));
         if (dot(reflected, normal) > 0.0f && snapshot->environment &&
             !occluded(origin, reflected, 1e30f, time))
-            color = color + material.specular * environmentColor(snapshot->environment, reflected);
+            color = color + specularColor(material, dot(toEye, normal)) *
+                                environmentColor(snapshot->environment, reflected);
         result.beauty = color;
     }
 }

@@ -24,6 +24,11 @@ struct ShadeMaterial {
     Vec3 specular{0.04f, 0.04f, 0.04f};
     float shininess = 20.0f;
     float roughness = 0.5f;
+    // The BRDF bits of the material's render mode: Schlick's Fresnel towards the glossy
+    // colour's hue, and the energy preserving GGX lobe that takes the reflected share from the
+    // diffuse term.
+    bool fresnel = false;
+    bool ggx = false;
     Vec3 emission{0, 0, 0};
     Vec3 idColor{0.5f, 0.5f, 0.5f};
     float cryptoId = 0.0f;
@@ -92,7 +97,8 @@ struct RenderContext {
     PassNeeds needs;
     int occlusionRays = 1;
     const std::vector<std::vector<uint32_t>>* triangleOf = nullptr;
-    bool motion = false; // samples carry a time within the shutter interval
+    bool motion = false;   // samples carry a time within the shutter interval
+    float exposure = 1.0f; // display values per unit of light and incandescence
 
     // The snapshot's triangle that a primitive of a geometry stands for.
     uint32_t triangle(unsigned geometry, unsigned primitive) const

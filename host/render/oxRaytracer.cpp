@@ -90,6 +90,8 @@ oxRaytracer::Settings oxRaytracer::Settings::fromHost(int width, int height, boo
     settings.clampValue = oxRenderParameter::getReflectionClampValue();
     settings.sampleOffset = oxRenderParameter::getRaytracingSampleOffset();
     settings.tileSize = oxRaytracingManager::getMaxClusterTileSize();
+    if (oxRenderParameter::getPBParameters())
+        settings.exposure = 1.0f / std::max(1e-6f, oxRenderParameter::getDisplayLuminance());
     return settings;
 }
 
@@ -211,6 +213,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     const int samples = std::max(1, settings.samples);
     context.occlusionRays = std::clamp(64 / samples, 1, 16);
     context.needs = passNeeds(settings.passIds);
+    context.exposure = settings.exposure;
 
     std::vector<std::string> materialNames, objectNames;
     context.loadMaterials(snapshot, materialNames);

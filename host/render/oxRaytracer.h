@@ -104,6 +104,10 @@ public:
         const oxAnimClip* motionClip = nullptr;
         float motionFrame = 0.0f;
         float shutter = motionBlurShutter;
+        /// Display values per unit of light and incandescence: 1 in standard mode; in
+        /// photometric mode 1 / display luminance, so that a light as bright as the display
+        /// luminance shows white.
+        float exposure = 1.0f;
 
         /// The settings of the host's parameter store, pixel filter, tile size and
         /// premultiplication switch for an image of that size, with one sample or the store's
