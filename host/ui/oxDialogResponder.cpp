@@ -10,6 +10,7 @@
 #include <QEvent>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QCheckBox>
 #include <QMessageBox>
 #include <QPointer>
 #include <QProgressDialog>
@@ -71,6 +72,12 @@ void answerMessageBox(QMessageBox* box)
     QAbstractButton* button = nullptr;
     QString answer;
     if (takeAnswer(answer)) {
+        // "[x] Button" ticks the box's check box before pressing the button.
+        static const QString ticked = QStringLiteral("[x] ");
+        if (answer.startsWith(ticked) && box->checkBox()) {
+            box->checkBox()->setChecked(true);
+            answer = answer.mid(ticked.size());
+        }
         button = buttonByText(box->buttons(), answer);
         if (!button)
             oxLog::warning("Dialog '%s' has no button '%s'; its default button answers.",

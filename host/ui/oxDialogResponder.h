@@ -10,7 +10,8 @@
 /// headless run never waits on a dialog and its log tells what was decided.
 ///
 /// What a queued answer means depends on the dialog:
-/// - message box: the text of the button to press ("&" marks ignored);
+/// - message box: the text of the button to press ("&" marks ignored); "[x] " before it ticks
+///   the box's check box first;
 /// - input dialog: the value to enter, then OK;
 /// - file dialog: the file to choose, then accept;
 /// - any other dialog: the text of a button of it, or "accept" or "reject".
