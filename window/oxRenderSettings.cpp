@@ -96,6 +96,17 @@ oxRenderSettings::oxRenderSettings(const QString& title, oxImageWriter* writer,
 
     presetGUI = new oxPresetGUII(this);
     presetGUI->hide();
+    // The dialog only announces what the user did; the window changes its presets and the
+    // preset file, then fills the dialog again through the menu rebuild. Queued, so that the
+    // list isn't refilled while it is still handling the edit that announced the change.
+    connect(presetGUI, &oxPresetGUII::presetRenamed, this, &oxRenderSettings::renamePreset,
+            Qt::QueuedConnection);
+    connect(presetGUI, &oxPresetGUII::presetsDeleted, this, &oxRenderSettings::deletePresets,
+            Qt::QueuedConnection);
+    connect(
+        presetGUI, &oxPresetGUII::presetActivated, this,
+        [this](const QString& name) { applyPresetByName(name.toStdString()); },
+        Qt::QueuedConnection);
     presetActionGroup = new QActionGroup(this);
     presetActionGroup->setExclusive(true);
 

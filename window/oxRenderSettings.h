@@ -9,9 +9,13 @@
 #include <QTimer>
 #include <QVector>
 
+#include <memory>
+
 class QAbstractButton;
 class QAction;
 class QActionGroup;
+class QMessageBox;
+class QUndoCommand;
 class oxVariantSetTree;
 class oxImageWriter;
 class oxMessage;
@@ -97,11 +101,20 @@ public:
     /// store, the scene data and the materials.
     void applyHeadlightPhotometric(bool on);
     void switchPhotometricFlag(bool on);
+    /// The scene's lights become physically based (or not) keeping their values, and the
+    /// materials' incandescence and the environments follow the mode.
+    void convertSceneToPhotometric(bool enable);
+    /// Light values, incandescence, clamping and tone mapping times the display luminance
+    /// (enable), or divided by it; environments then map photometric values.
+    void rescaleSceneValues(bool enable);
+    /// The default environment's luminance mapping for the mode.
+    static void applyDefaultEnvironmentMapping(bool photometric);
     /// Moves the scene to a BRDF mode (0 separate diffuse and glossy, 1 with fresnel from the
     /// glossy colour, 2 energy preserving GGX): the render parameter always, the material
     /// system's class-wide mode and every material's BRDF bits when the class-wide mode
-    /// differs. True when a material was rewritten.
-    static bool switchBrdfMode(int mode);
+    /// differs. True when a material was rewritten. withProgress shows the walk over the
+    /// materials.
+    static bool switchBrdfMode(int mode, bool withProgress = false);
     /// The named callback "oxRenderSettings::loadSettings": output keys of a message into the
     /// current record of instance(); nothing without a window or for an empty message.
     static void loadSettingsCallback(oxMessage& message);
@@ -313,7 +326,72 @@ public slots:
     void changedExportRenderpasses(bool on);
     /// The flag of one render pass; the pass check boxes of the pass table call it.
     void changedExportPass(PassFlag flag, bool on);
+    /// One slot per pass flag, as the pass table names them, so that a pass can be set by
+    /// the slot's name (changedExportPass with that row's flag).
+    void changedExportBeautyPass(bool on);
+    void changedExportDiffuseIBLPass(bool on);
+    void changedExportDiffuseLightPass(bool on);
+    void changedExportDiffuseIndirectPass(bool on);
+    void changedExportGlossyIBLPass(bool on);
+    void changedExportGlossyLightPass(bool on);
+    void changedExportGlossyIndirectPass(bool on);
+    void changedExportSpecularIBLPass(bool on);
+    void changedExportTranslucencyPass(bool on);
+    void changedExportIncandescencePass(bool on);
+    void changedExportAlbedoPass(bool on);
+    void changedExportOcclusionPass(bool on);
+    void changedExportNormalPass(bool on);
+    void changedExportCameraNormalPass(bool on);
+    void changedExportDepthPass(bool on);
+    void changedExportCryptoObjectPass(bool on);
+    void changedExportCryptoMaterialPass(bool on);
+    void changedExportMaterialIDPass(bool on);
+    void changedExportMaskPass(bool on);
+    void changedExportPositionPass(bool on);
+    void changedExportViewVectorPass(bool on);
+    void changedExportDiffuseColorPass(bool on);
+    void changedExportGlossyColorPass(bool on);
+    void changedExportSpecularColorPass(bool on);
+    void changedExportTranslucencyColorPass(bool on);
+    void changedExportTransparencyColorPass(bool on);
+    void changedExportBackgroundColorPass(bool on);
+    void changedExportDiffuseIBLIlluminationPass(bool on);
+    void changedExportDiffuseLightIlluminationPass(bool on);
+    void changedExportDiffuseIndirectIlluminationPass(bool on);
+    void changedExportGlossyIBLIlluminationPass(bool on);
+    void changedExportGlossyLightIlluminationPass(bool on);
+    void changedExportGlossyIndirectIlluminationPass(bool on);
+    void changedExportTranslucencyIBLIlluminationPass(bool on);
+    void changedExportTranslucencyLightIlluminationPass(bool on);
+    void changedExportTranslucencyIndirectIlluminationPass(bool on);
+    void changedExportSpecularReflectionPass(bool on);
+    void changedExportFogPass(bool on);
+    void changedExportLensFlarePass(bool on);
+    void changedExportFrontplatePass(bool on);
+    void changedExportBackplatePass(bool on);
     void changedExportSpecularLightPass(bool on);
+
+    /// _view changed: a choice from its menu becomes the record's view as a step on the undo
+    /// stack; while the chooser follows the scene, the view is set directly.
+    void changedView(const QString& text, const QVariant& data);
+    /// Cameras, viewpoints or camera tracks came or went: _view re-reads its entry and the
+    /// statistics are refreshed; other nodes change nothing.
+    void cameraNodesChanged(const QList<oxdNode>& nodes);
+    /// An undo or redo on the host's stack that deleted or restored nodes: _view shows again
+    /// an entry that a deletion took away.
+    void undoneOrRedone(const QUndoCommand* command);
+
+    /// _enable_PBParameters: asks, then switches the scene's photometric mode, converting the
+    /// scene's values unless the user ticks not to; Cancel puts the check box back.
+    void changedPBParameters(bool toggled);
+
+public:
+    /// The question of the photometric switch, for enabling or disabling: a warning with the
+    /// check box "Do not convert values ..." and the buttons accept and "Cancel".
+    std::unique_ptr<QMessageBox> createPhotometricQuestion(bool enable);
+public slots:
+    /// _brdf_mode: the scene moves to the chosen mode (with progress unless a script runs).
+    void changedBrdfMode(int mode);
 
     // Kept for scripts and old connections; they do nothing.
     void changedAdaptiveAASamples(int samples);
@@ -378,6 +456,12 @@ public:
     /// Renders through viewNode: its unique path below the camera pool's root goes into the
     /// record (empty for null, the current view); then the form is refreshed.
     void setView(osg::NodePtr viewNode);
+    /// The record's view node (null for the current view), and the node _view shows (null
+    /// for "Current" or a node that is gone).
+    osg::NodePtr getCurrentView() const;
+    osg::NodePtr getSelectedViewNode() const;
+    /// Puts path into the record as its view, and refreshes the form and the statistics.
+    void setViewPath(const std::string& path);
     /// setView with the first node of that name below the camera pool's root; a name no node
     /// bears gives the current view.
     void setViewByName(const std::string& viewName);
@@ -431,6 +515,7 @@ private:
     void connectDisplayBindings();
     void connectImageSize();
     void connectVariantSets();
+    void connectView();
     void disconnectVariantSets();
     /// The warning box for variant set names that can't be part of a file name; nothing for an
     /// empty list.
@@ -467,6 +552,8 @@ private:
     oxImageWriter* imageWriter = nullptr;
     bool regionSyncLock = false;
     bool guiUpdateLock = false;
+    /// Set while _view follows the scene rather than the user.
+    bool viewFollowLock = false;
     oxRenderSettingsPreset currentPreset;
     oxRenderSettingsPresets presets;
     oxRenderSettingsPresets rqPresets;

@@ -79,6 +79,7 @@ void oxRenderSettings::connectBindings()
 
     connectImageSize();
     connectVariantSets();
+    connectView();
 }
 
 void oxRenderSettings::disconnectBindings()
@@ -107,6 +108,9 @@ void oxRenderSettings::updateGUI()
     updateQualityWidgets();
     updateDisplayWidgets();
     _view->update();
+    // Every refresh re-asserts the BRDF mode on the materials; that costs one comparison
+    // unless the mode changed (a scene loaded, a preset applied).
+    switchBrdfMode(oxRenderParameter::getBrdfMode(), false);
 }
 
 // ---------------------------------------------------------------------------------------------

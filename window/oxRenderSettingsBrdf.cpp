@@ -3,14 +3,17 @@
 
 #include "oxRenderSettings.h"
 
+#include "oxBrdfIntegration.h"
+#include "oxProgress.h"
 #include "oxRenderParameter.h"
 #include "oxSceneGraph.h"
 #include "oxSceneServices.h"
+#include "oxScript.h"
 
 #include <memory>
 #include <vector>
 
-bool oxRenderSettings::switchBrdfMode(int mode)
+bool oxRenderSettings::switchBrdfMode(int mode, bool withProgress)
 {
     oxRenderParameter::setBrdfMode(mode);
     // The class-wide mode remembers the last switch; while it agrees the scene isn't walked,
@@ -24,9 +27,13 @@ bool oxRenderSettings::switchBrdfMode(int mode)
     const osg::UInt32 bits = (mode >= 1 ? osg::UberMaterial::fresnel_respects_glossy_color : 0u) |
                              (mode >= 2 ? osg::UberMaterial::use_ggx_brdf : 0u);
     osg::UberMaterial::setRenderingMode((osg::UberMaterial::getRenderingMode() & keep) | bits);
+    oxBrdfIntegration::setBrdfType(mode >= 2 ? 2 : 0);
 
     std::vector<std::shared_ptr<osg::Material>> materials;
     oxMaterials::getAllMaterials(oxScenegraph::getRoot(), materials, 1);
+    oxProgress* progress = withProgress ? oxProgress::the() : nullptr;
+    if (progress)
+        progress->initProgress(tr("Switching BRDF mode"), materials.size(), 2);
     int rewritten = 0;
     for (const std::shared_ptr<osg::Material>& material : materials) {
         auto* uber = dynamic_cast<osg::UberMaterialBase*>(material.get());
@@ -34,7 +41,18 @@ bool oxRenderSettings::switchBrdfMode(int mode)
             continue;
         uber->setRenderMode((uber->getRenderMode() & keep) | bits);
         osg::commitChanges(uber, osg::UberMaterialBase::RenderModeFieldMask);
+        if (progress)
+            progress->incrementProgress();
         ++rewritten;
     }
+    if (progress)
+        progress->terminateProgress();
     return rewritten > 0;
+}
+
+void oxRenderSettings::changedBrdfMode(int mode)
+{
+    // A user's change shows progress; a script's runs quietly.
+    switchBrdfMode(mode, !oxScript::isRunning());
+    updateGUI();
 }

@@ -11,6 +11,7 @@
 #include "oxFile.h"
 #include "oxImageMetaData.h"
 #include "oxLog.h"
+#include "oxMenuComboBox.h"
 #include "oxRaytracer.h"
 #include "oxScene.h"
 #include "oxSceneServices.h"
@@ -272,10 +273,14 @@ void oxRenderSettings::changedExportPass(PassFlag flag, bool on)
     updateRenderStatistics();
 }
 
-void oxRenderSettings::changedExportSpecularLightPass(bool on)
-{
-    changedExportPass(PassFlag::SpecularLight, on);
-}
+// Every row of the pass table has its slot; all of them store through changedExportPass.
+#define OX_PASS_FLAG_SLOT(enumName, ...)                                                           \
+    void oxRenderSettings::changedExport##enumName##Pass(bool on)                                  \
+    {                                                                                              \
+        changedExportPass(PassFlag::enumName, on);                                                 \
+    }
+OX_RENDER_PASS_FLAGS(OX_PASS_FLAG_SLOT)
+#undef OX_PASS_FLAG_SLOT
 
 void oxRenderSettings::setRenderPasses(const std::vector<std::string>& names)
 {
@@ -343,8 +348,11 @@ void oxRenderSettings::updateOutputWidgets()
     // The view chooser shows the record's view; a view that is gone shows "Current".
     const osg::NodePtr viewNode = p.view.empty() ? nullptr : p.getViewNode();
     const bool track = viewNode && oxNodeUtils::isCameraTrack(viewNode);
-    if (!viewNode)
-        quiet(_view, [](QOXMultiLevelComboBox* view) { view->reset(); });
+    quiet(_view, [viewNode](oxMenuComboBox* view) {
+        const unsigned id = viewNode ? viewNode->getId() : 0u;
+        if (view->currentId() != id && (id == 0 || !view->change(QVariant(id))))
+            view->reset();
+    });
 
     const bool animation = p.renderAnimation;
     const bool timeline = animation && !track;

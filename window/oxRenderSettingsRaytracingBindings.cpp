@@ -61,7 +61,7 @@ unsigned int renderTimeSum(int hours, int minutes, int seconds)
 std::vector<Toggle<oxLiveField>> liveToggles(Self& w)
 {
     return {
-        {w._enable_PBParameters, nullptr, &P::pbParameters},
+        {w._enable_PBParameters, &Self::changedPBParameters, &P::pbParameters},
         {w._optimize_lights, &Self::changedLightOptimizationMode, &P::lightOptimizationMode},
         {w._enable_nurbs_raytracing, &Self::changedNURBSMode, &P::nurbsMode},
         {w._use_ray_splitting, &Self::changedUseRaySplitting, &P::useRaySplitting},
@@ -75,9 +75,7 @@ std::vector<Choice<oxLiveField>> liveChoices(Self& w)
     return {
         {w._aa_threshold_quality, &Self::changedAAThresholdQuality, &P::aaThresholdQuality},
         {w._spectral_illuminant, &Self::changedIlluminant, &P::illuminant},
-        // The BRDF mode's re-assertion on all materials belongs to the BRDF switch, which
-        // reads the combo box; the refresh only shows the host's mode.
-        {w._brdf_mode, nullptr, &P::brdfMode},
+        {w._brdf_mode, &Self::changedBrdfMode, &P::brdfMode},
         {w._denoiser_type, &Self::changedDenoiserType, &P::denoiserType},
         {w._denoiser_input, &Self::changedDenoiserInput, &P::denoiserInput},
     };

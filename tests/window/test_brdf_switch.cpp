@@ -1,10 +1,14 @@
 // The BRDF mode switch moves the render parameter, the material system's mode and every
 // material's BRDF bits together, and walks the scene only when the mode changes.
 
+#include "oxImageSource.h"
+#include "oxProgress.h"
+#include "oxRaytracer.h"
 #include "oxRenderParameter.h"
 #include "oxRenderSettings.h"
 #include "oxSceneIO.h"
 #include "oxSceneServices.h"
+#include "oxSettingsWindowSupport.h"
 #include "oxTestSupport.h"
 
 #include <memory>
@@ -66,4 +70,47 @@ TEST_F(BrdfSwitchTest, EveryMaterialFollowsAndTheSameModeTouchesNothing)
     EXPECT_FALSE(oxRenderSettings::switchBrdfMode(2));
     EXPECT_EQ(oxRenderParameter::getBrdfMode(), 2);
     EXPECT_TRUE(osg::WinThreadBase::getCurrentChangeList()->getChanged().empty());
+}
+
+namespace {
+
+class BrdfComboTest : public oxSettingsWindowTest {
+protected:
+    void TearDown() override
+    {
+        oxRenderSettings::switchBrdfMode(2);
+        oxSettingsWindowTest::TearDown();
+    }
+    static std::vector<float> beauty()
+    {
+        oxRenderedImage image;
+        std::string error;
+        EXPECT_TRUE(oxRaytracer::the().render(
+            oxScene::current(), oxRaytracer::Settings::fromHost(32, 18, false), image, error))
+            << error;
+        return image.find(oxImagePasses::Beauty)->rgba;
+    }
+};
+
+} // namespace
+
+TEST_F(BrdfComboTest, ChoosingAModeRewritesTheMaterialsWithProgressAndChangesTheRender)
+{
+    const std::vector<float> ggx = beauty();
+    window()._brdf_mode->setCurrentIndex(0);
+    emit window()._brdf_mode->activated(0);
+    EXPECT_EQ(oxRenderParameter::getBrdfMode(), 0);
+    EXPECT_EQ(window()._brdf_mode->currentIndex(), 0);
+    std::vector<std::shared_ptr<osg::Material>> materials;
+    oxMaterials::getAllMaterials(oxScenegraph::getRoot(), materials, 1);
+    EXPECT_EQ(oxProgress::the()->getText(), "Switching BRDF mode");
+    EXPECT_EQ(oxProgress::the()->getDone(), materials.size());
+    EXPECT_FALSE(oxProgress::the()->isActive());
+    EXPECT_NE(beauty(), ggx);
+
+    // A refresh re-asserts the host's mode on the materials.
+    oxRenderParameter::setBrdfMode(2);
+    window().updateGUI();
+    EXPECT_EQ(window()._brdf_mode->currentIndex(), 2);
+    EXPECT_EQ(beauty(), ggx);
 }
