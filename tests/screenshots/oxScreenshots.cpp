@@ -1,8 +1,9 @@
 // oxscreenshots: renders the Render Settings window offscreen into PNG files for review:
 // the main window with the docked window, each tab of the window with every section open,
 // the render pass section on each of its tabs, the Variant Sets section with the statistics,
-// the host's Script Editor after a run, the preferences dialog on the Render Settings page, and
-// the Render Queue dock after a run of its jobs.
+// the host's Script Editor after a run, the preferences dialog on the Render Settings page, the
+// Render Queue dock after a run of its jobs, the view chooser's menu, the photometric switch's
+// question and the preset edit dialog.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
@@ -10,8 +11,10 @@
 #include "QOXDockWindowManager.h"
 #include "oxImageSource.h"
 #include "oxMainWindow.h"
+#include "oxMenuComboBox.h"
 #include "oxPlatform.h"
 #include "oxPreferencesDialog.h"
+#include "oxPresetGUII.h"
 #include "oxRaytracerSource.h"
 #include "oxRenderQueue.h"
 #include "oxRenderSettings.h"
@@ -22,10 +25,13 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QMessageBox>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
 
+#include <algorithm>
 #include <cstdio>
 
 extern "C" void initPlugin();
@@ -183,6 +189,51 @@ bool savePreferences(oxMainWindow& mainWindow, const QDir& dir)
     return ok;
 }
 
+// The view chooser's menu with the camera's submenu open beside it, the photometric switch's
+// question, and the preset edit dialog with two presets.
+bool saveViewAndDialogs(oxRenderSettings& window, const QDir& dir)
+{
+    oxSceneIO::newScene();
+    window.setViewByName("Side");
+    oxComboboxMenu menu(oxMenuComboBox::kCurrentText, window._view->currentId());
+    QMenu* cameras = nullptr;
+    for (QAction* action : menu.actions())
+        cameras = action->menu() ? action->menu() : cameras;
+    menu.adjustSize();
+    const QPixmap top = menu.grab();
+    if (cameras)
+        cameras->adjustSize();
+    const QPixmap sub = cameras ? cameras->grab() : QPixmap();
+    QPixmap both(top.width() + sub.width(), std::max(top.height(), sub.height()));
+    both.fill(Qt::transparent);
+    QPainter painter(&both);
+    painter.drawPixmap(0, 0, top);
+    painter.drawPixmap(top.width(), 0, sub);
+    painter.end();
+    const QString menuPath = dir.filePath(QStringLiteral("view_menu.png"));
+    bool ok = both.save(menuPath);
+    std::printf("%s\n", qPrintable(menuPath));
+
+    for (bool enable : {true, false}) {
+        const std::unique_ptr<QMessageBox> box = window.createPhotometricQuestion(enable);
+        box->show();
+        ok = save(box.get(), dir,
+                  enable ? QStringLiteral("photometric_enable")
+                         : QStringLiteral("photometric_disable")) &&
+             ok;
+    }
+
+    oxPresetGUII* presets = window.getPresetGUI();
+    presets->clearPresets();
+    presets->addPreset(QStringLiteral("Draft"));
+    presets->addPreset(QStringLiteral("Final"));
+    presets->setCurrentPreset(QStringLiteral("Final"));
+    presets->show();
+    ok = save(presets, dir, QStringLiteral("preset_edit_dialog")) && ok;
+    presets->hide();
+    return ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -228,6 +279,7 @@ int main(int argc, char** argv)
              ok;
     }
     ok = saveVariantSets(mainWindow, *window, dir) && ok;
+    ok = saveViewAndDialogs(*window, dir) && ok;
     ok = saveScriptEditor(mainWindow, dir) && ok;
     ok = savePreferences(mainWindow, dir) && ok;
     ok = saveRenderQueue(mainWindow, *window, dir) && ok;
