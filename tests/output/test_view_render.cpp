@@ -19,13 +19,13 @@ protected:
             window()->_view->change(
                 QVariant(oxNodeUtils::findNode(oxUberCameraPool::the()->getRoot(), view)->getId()));
         current().filename = dir.file(file);
-        EXPECT_TRUE(module->renderPresetToFile(record()));
+        EXPECT_FALSE(module->renderPresetToFile(record())) << "not cancelled";
         auto input = OIIO::ImageInput::open(dir.file(file));
         if (!input)
             return {};
         const OIIO::ImageSpec& spec = input->spec();
         std::vector<unsigned char> pixels(size_t(spec.width) * spec.height * spec.nchannels);
-        input->read_image(OIIO::TypeDesc::UINT8, pixels.data());
+        input->read_image(0, 0, 0, spec.nchannels, OIIO::TypeDesc::UINT8, pixels.data());
         return pixels;
     }
 };
