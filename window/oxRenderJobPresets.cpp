@@ -132,6 +132,12 @@ void registerRenderJobPresetCallbacks() { addCallbacksOnce(kRenderJobPresetCallb
 
 void unregisterRenderJobPresetCallbacks() { removeCallbacks(kRenderJobPresetCallbacks); }
 
+void registerRQPresetNamesCallback()
+{
+    if (!oxController::hasCB("getRQPresetNames"))
+        oxController::addCB("getRQPresetNames", getRQPresetNamesCB);
+}
+
 void oxRenderSettings::addRQPreset(const char* name)
 {
     oxRenderSettingsPresetSPtr captured = getCurrentRenderSettings();

@@ -26,3 +26,6 @@ extern const std::array<oxNamedCallback, 9> kRenderJobPresetCallbacks;
 void registerRenderJobPresetCallbacks();
 /// Removes them again; the window does this at destruction.
 void unregisterRenderJobPresetCallbacks();
+/// Registers "getRQPresetNames" alone unless it is there; the window leaves it behind at
+/// destruction, answering no names while there is no window.
+void registerRQPresetNamesCallback();

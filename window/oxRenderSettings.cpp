@@ -136,6 +136,9 @@ oxRenderSettings::~oxRenderSettings()
     unregisterRenderJobPresetCallbacks();
     unregisterRenderSettingsCallbacks();
     disconnectBindings();
+    // The render queue may still ask for the job presets' names after the window went (it
+    // then hears of none), so that one callback stays.
+    registerRQPresetNamesCallback();
     if (gRenderSettings == this)
         gRenderSettings = nullptr;
 }
