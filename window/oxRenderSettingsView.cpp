@@ -6,6 +6,7 @@
 
 #include "oxMenuComboBox.h"
 #include "oxNodeService.h"
+#include "oxObjectService.h"
 #include "oxSceneServices.h"
 #include "oxUndoStack.h"
 
@@ -67,6 +68,13 @@ void oxRenderSettings::connectView()
     connect(nodes, &oxNodeService::nodesRemoved, this, &oxRenderSettings::cameraNodesChanged);
     connect(nodes, &oxNodeService::cameraNameChanged, _view, &QOXMultiLevelComboBox::update);
     connect(nodes, &oxNodeService::cameraTrackNameChanged, _view, &QOXMultiLevelComboBox::update);
+    // A camera track's viewpoints feed the statistics while the view is that track.
+    connect(oxObjectService::the(), &oxObjectService::propertyChangedBS, this,
+            [this](const oxdObject& object, const QByteArray&) {
+                if (object.isTypeOf(oxdCameraTrackNode::staticMetaObject) &&
+                    currentPreset.isCameraTrackView())
+                    updateRenderStatistics();
+            });
     connect(oxUndoStack::the(), &oxUndoStack::undoPerformed, this,
             &oxRenderSettings::undoneOrRedone);
     connect(oxUndoStack::the(), &oxUndoStack::redoPerformed, this,

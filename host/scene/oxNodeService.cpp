@@ -1,5 +1,6 @@
 #include "oxNodeService.h"
 
+#include "oxObjectService.h"
 #include "oxSceneServices.h"
 #include "oxUndoStack.h"
 
@@ -27,8 +28,12 @@ bool oxNodeService::deleteNode(osg::NodePtr node)
         return false;
     // The handle is made while the node is in the tree; listeners learn what it was.
     const QList<oxdNode> removed{handleOf(node)};
+    const osg::NodePtr parent = node->getParent();
     oxUndoStack::the()->push(new oxDeleteNodeUndoCommand(node));
     emit nodesRemoved(removed);
+    // A camera track's viewpoints are a property of the track.
+    if (oxNodeUtils::isCameraTrack(parent))
+        oxObjectService::the()->notifyPropertyChanged(oxdCameraTrackNode(parent), "viewpoints");
     return true;
 }
 

@@ -3,10 +3,12 @@
 
 #include "oxMenuComboBox.h"
 #include "oxNodeService.h"
+#include "oxObjectService.h"
 #include "oxSettingsWindowSupport.h"
 #include "oxUndoStack.h"
 
 #include <QAction>
+#include <QCoreApplication>
 
 namespace {
 
@@ -122,4 +124,18 @@ TEST_F(ViewChooserTest, DeletedCameraFallsBackToCurrentAndComesBackWithUndo)
     EXPECT_EQ(shown(), "Side");
     EXPECT_EQ(current().getViewNode(), side);
     EXPECT_EQ(oxUndoStack::the()->index(), 1) << "following the scene adds no undo step";
+}
+
+TEST_F(ViewChooserTest, ChangedTrackRefreshesTheStatisticsOnlyWhileTheTrackIsTheView)
+{
+    const oxdCameraTrackNode track(node("Turntable"));
+    QCoreApplication::processEvents();
+    oxObjectService::the()->notifyPropertyChanged(track, "viewpoints");
+    EXPECT_FALSE(window().getStatisticsTimer().isActive());
+    pick("Turntable");
+    QCoreApplication::processEvents();
+    oxObjectService::the()->notifyPropertyChanged(oxdViewpointNode(node("Front")), "name");
+    EXPECT_FALSE(window().getStatisticsTimer().isActive());
+    oxObjectService::the()->notifyPropertyChanged(track, "viewpoints");
+    EXPECT_TRUE(window().getStatisticsTimer().isActive());
 }
