@@ -1,6 +1,7 @@
 #include "oxMessageRW.h"
 
 #include "oxFile.h"
+#include "oxInputLimits.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxRenderAutomationVariantSetGroup.h"
@@ -849,6 +850,9 @@ bool serialize(const oxMessage& message, std::string& out)
     return true;
 }
 
+thread_local std::string lastReadError;
+thread_local int lastReadFormat = 0;
+
 // Builds the message from a parsed document; false (with reason set) when it isn't one this
 // host can read. Values are collected first so that message is only touched on success.
 bool deserialize(const pugi::xml_document& doc, oxMessage& message, std::string& reason)
@@ -883,6 +887,8 @@ bool deserialize(const pugi::xml_document& doc, oxMessage& message, std::string&
         const char* name = attr.name();
         if (std::strcmp(name, kFormatAttr) == 0) {
             int format = 0;
+            if (!haveFormat && parseScalar(attr.value(), format))
+                lastReadFormat = format;
             if (haveFormat || !parseScalar(attr.value(), format) || format < 1) {
                 reason = "bad format version";
                 return false;
@@ -1012,17 +1018,16 @@ bool oxMessageRW::write(const oxMessage& message, const char* filename)
     return true;
 }
 
-namespace {
-thread_local std::string lastReadError;
-} // namespace
-
 const std::string& oxMessageRW::lastError() { return lastReadError; }
+
+int oxMessageRW::lastFormatVersion() { return lastReadFormat; }
 
 bool oxMessageRW::read(oxMessage& message, const char* filename, const std::string& text)
 {
     // Reading stays silent: some callers treat a damaged file as absent, others report it in
     // their own words; lastError() holds the reason for them.
     lastReadError.clear();
+    lastReadFormat = 0;
     const bool fromFile = filename && *filename;
     const std::string source = fromFile ? "'" + std::string(filename) + "'" : "text";
     pugi::xml_document doc;
@@ -1033,6 +1038,14 @@ bool oxMessageRW::read(oxMessage& message, const char* filename, const std::stri
             lastReadError = "can't read " + source;
             return false;
         }
+    }
+    const std::string& input = fromFile ? data : text;
+    if (!oxInputLimits::xmlDepthWithin(input.data(), input.size())) {
+        lastReadError = source + ": elements nested deeper than " +
+                        std::to_string(oxInputLimits::kMaxXmlDepth) + " levels";
+        return false;
+    }
+    if (fromFile) {
         // The buffer is ours, so the parser may work in it instead of copying it.
         parsed = doc.load_buffer_inplace(data.data(), data.size(), kParseOptions);
     } else {

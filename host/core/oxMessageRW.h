@@ -32,4 +32,9 @@ public:
 
     /// The reason the last failed read on this thread gave ("" after a successful one).
     static const std::string& lastError();
+
+    /// The format version the root element of the last read on this thread declared (0 when
+    /// it declared none or wasn't reached), so that callers can tell a file of a newer host
+    /// from a damaged one.
+    static int lastFormatVersion();
 };

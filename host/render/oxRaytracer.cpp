@@ -14,14 +14,17 @@
 #include "oxSampleSequence.h"
 #include "oxScene.h"
 #include "oxSceneServices.h"
+#include "oxSceneValues.h"
 
 #include <embree3/rtcore.h>
 #include <tbb/blocked_range2d.h>
 #include <tbb/parallel_for.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <new>
 
 // The render loop: settings, scene poses and tiles. Vector math, sampling, filters, shading,
 // pass accumulation and the Embree scene live in their own files under namespace oxRay.
@@ -56,6 +59,79 @@ oxRaytracerCamera oxRaytracerCamera::fromSnapshot(const oxSceneSnapshot& snapsho
     camera.forward = normalize(osg::transformVector(rotation, {0, 0, -1}));
     return camera;
 }
+
+// --- Values the ray kernel takes ---------------------------------------------------------
+
+namespace {
+
+// The kernel ends the process on a ray whose origin or direction isn't finite or lies beyond
+// about 1.8e18. Scene files are checked where they are read; what scripts and animations
+// produce is checked here, before anything reaches the kernel.
+bool usable(const Vec3& v)
+{
+    return oxSceneValues::usable(v[0]) && oxSceneValues::usable(v[1]) &&
+           oxSceneValues::usable(v[2]);
+}
+
+bool geometryUsable(const std::vector<oxSceneSnapshot>& poses, std::string& error)
+{
+    for (const oxSceneSnapshot& pose : poses) {
+        const std::string bad =
+            oxSceneValues::firstUnusable(pose.positions.data(), pose.positions.size());
+        if (!bad.empty()) {
+            error = "the scene has a vertex at an unusable position (" + bad +
+                    "); check the transforms and animations of the model";
+            return false;
+        }
+    }
+    return true;
+}
+
+bool cameraAndLightsUsable(const RenderContext& context, std::string& error)
+{
+    const oxRaytracerCamera& camera = context.camera;
+    if (!usable(camera.origin) || !usable(camera.right) || !usable(camera.up) ||
+        !usable(camera.forward) || std::isnan(camera.nearDistance) ||
+        std::isnan(camera.farDistance)) {
+        error = "the camera's position, orientation or field of view is not a usable number";
+        return false;
+    }
+    for (const ShadeLight& light : context.lights) {
+        if (!usable(light.position) || !usable(light.direction) ||
+            !std::isfinite(light.radiance[0] + light.radiance[1] + light.radiance[2])) {
+            error = "a light's position, direction or intensity is not a usable number";
+            return false;
+        }
+    }
+    return true;
+}
+
+// One buffer of four floats per pixel for each pass, the first ones taken over from the
+// image's previous passes. Throws std::bad_alloc when the memory isn't there.
+void allocatePasses(const std::vector<unsigned>& passIds, size_t pixelCount, bool fullRegion,
+                    oxRenderedImage& image, std::vector<oxRenderedPass>& passes)
+{
+    for (unsigned id : passIds) {
+        if (std::any_of(passes.begin(), passes.end(),
+                        [&](const oxRenderedPass& pass) { return pass.passId == id; }))
+            continue;
+        oxRenderedPass pass;
+        pass.passId = id;
+        // The buffers of the image's previous passes are reused: fresh pages cost more to map
+        // than to fill. Pixels in the region are all written, so only those outside are cleared.
+        if (!image.passes.empty()) {
+            pass.rgba = std::move(image.passes.back().rgba);
+            image.passes.pop_back();
+        }
+        if (fullRegion)
+            pass.rgba.resize(pixelCount * 4);
+        else
+            pass.rgba.assign(pixelCount * 4, 0.0f);
+        passes.push_back(std::move(pass));
+    }
+}
+
+} // namespace
 
 // --- Settings -----------------------------------------------------------------------------
 
@@ -197,7 +273,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
         scene.snapshot(poses.front());
     }
     const oxSceneSnapshot& snapshot = poses.front();
-    if (!m_impl->embree.update(poses, error))
+    if (!geometryUsable(poses, error) || !m_impl->embree.update(poses, error))
         return false;
 
     RenderContext context;
@@ -219,6 +295,8 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     context.loadMaterials(snapshot, materialNames);
     context.loadObjects(snapshot, scene, objectNames);
     context.loadLights(snapshot, scene);
+    if (!cameraAndLightsUsable(context, error))
+        return false;
 
     const int width = settings.width;
     const int height = settings.height;
@@ -236,23 +314,24 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
 
     const bool fullRegion = x0 == 0 && y0 == 0 && x1 == width && y1 == height;
     std::vector<oxRenderedPass> passes;
-    for (unsigned id : settings.passIds) {
-        if (std::any_of(passes.begin(), passes.end(),
-                        [&](const oxRenderedPass& pass) { return pass.passId == id; }))
-            continue;
-        oxRenderedPass pass;
-        pass.passId = id;
-        // The buffers of the image's previous passes are reused: fresh pages cost more to map
-        // than to fill. Pixels in the region are all written, so only those outside are cleared.
-        if (!image.passes.empty()) {
-            pass.rgba = std::move(image.passes.back().rgba);
-            image.passes.pop_back();
-        }
-        if (fullRegion)
-            pass.rgba.resize(pixelCount * 4);
-        else
-            pass.rgba.assign(pixelCount * 4, 0.0f);
-        passes.push_back(std::move(pass));
+    // Buffers larger than the machine's memory would be granted by the system and then end
+    // the process when touched; they are refused before, and a failed allocation likewise.
+    const size_t passBytes = pixelCount * 4 * sizeof(float);
+    const size_t memory = size_t(::sysconf(_SC_PHYS_PAGES)) * size_t(::sysconf(_SC_PAGE_SIZE));
+    bool allocated = passBytes <= memory / std::max<size_t>(1, settings.passIds.size());
+    try {
+        if (allocated)
+            allocatePasses(settings.passIds, pixelCount, fullRegion, image, passes);
+    } catch (const std::bad_alloc&) {
+        allocated = false;
+    }
+    if (!allocated) {
+        image = oxRenderedImage();
+        error = "there is not enough memory for " + std::to_string(settings.passIds.size()) +
+                " pass buffer(s) of " + std::to_string(width) + "x" + std::to_string(height) +
+                " pixels (" + std::to_string(passBytes >> 20) + " MiB each; the machine has " +
+                std::to_string(memory >> 20) + " MiB)";
+        return false;
     }
 
     // The image is assembled before the first round: each round leaves it finished.

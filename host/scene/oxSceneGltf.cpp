@@ -4,12 +4,16 @@
 #include "oxSceneIO.h"
 
 #include "oxFile.h"
+#include "oxInputLimits.h"
 #include "oxSceneServices.h"
+#include "oxSceneValues.h"
 
 #include <tiny_gltf.h>
 
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <utility>
 
 namespace {
 
@@ -27,6 +31,18 @@ const tinygltf::Value& member(const tinygltf::Value& value, const char* key)
 {
     static const tinygltf::Value null;
     return value.Has(key) ? value.Get(key) : null;
+}
+
+// A whole number of a JSON value; -1 for anything else, and for numbers no int can hold
+// (converting those would be undefined).
+int wholeNumber(const tinygltf::Value& value)
+{
+    if (value.IsInt())
+        return value.Get<int>();
+    if (!value.IsReal())
+        return -1;
+    const double number = value.Get<double>();
+    return number >= -2147483648.0 && number <= 2147483647.0 ? int(number) : -1;
 }
 
 struct Importer {
@@ -72,10 +88,20 @@ struct Importer {
         const size_t elementSize = size_t(componentSize) * size_t(components);
         stride = view.byteStride ? view.byteStride : elementSize;
         count = accessor.count;
-        const size_t start = view.byteOffset + accessor.byteOffset;
-        const size_t end = count ? start + stride * (count - 1) + elementSize : start;
-        if (stride < elementSize || end > view.byteOffset + view.byteLength ||
-            end > buffer.data.size())
+        // Offsets, stride and count come from the file as 64-bit numbers: every step of the
+        // bounds arithmetic is checked, so that no sum wraps around into the buffer.
+        size_t start = 0, end = 0, viewEnd = 0;
+        bool inside = componentSize > 0 && components > 0 && stride >= elementSize &&
+                      !__builtin_add_overflow(view.byteOffset, accessor.byteOffset, &start) &&
+                      !__builtin_add_overflow(view.byteOffset, view.byteLength, &viewEnd);
+        if (inside && count) {
+            inside = !__builtin_mul_overflow(stride, count - 1, &end) &&
+                     !__builtin_add_overflow(end, elementSize, &end) &&
+                     !__builtin_add_overflow(end, start, &end);
+        } else {
+            end = start;
+        }
+        if (!inside || end > viewEnd || end > buffer.data.size())
             return fail(std::string(what) + " reads past the end of its buffer (truncated data?)");
         data = buffer.data.data() + start;
         componentType = accessor.componentType;
@@ -161,7 +187,7 @@ struct Importer {
 #define OX_IMPORT_OVERRIDE(Setting, start)                                                         \
     if (member(overrides, #Setting).IsNumber()) {                                                  \
         attachment->setOverride##Setting(true);                                                    \
-        attachment->set##Setting(member(overrides, #Setting).GetNumberAsInt());                    \
+        attachment->set##Setting(wholeNumber(member(overrides, #Setting)));                        \
     }
         OX_RAYTRACING_OVERRIDES(OX_IMPORT_OVERRIDE)
 #undef OX_IMPORT_OVERRIDE
@@ -231,14 +257,13 @@ struct Importer {
                     const tinygltf::Value& mappings = member(variants->second, "mappings");
                     for (size_t i = 0; i < mappings.ArrayLen(); ++i) {
                         const tinygltf::Value& mapping = mappings.Get(int(i));
-                        const int materialIndex = member(mapping, "material").GetNumberAsInt();
+                        const int materialIndex = wholeNumber(member(mapping, "material"));
                         if (materialIndex < 0 || size_t(materialIndex) >= materials.size())
                             return fail("a material variant mapping refers to a missing material");
                         const tinygltf::Value& list = member(mapping, "variants");
                         for (size_t v = 0; v < list.ArrayLen(); ++v)
                             geometry->variantMaterials.emplace_back(
-                                list.Get(int(v)).GetNumberAsInt(),
-                                materials[size_t(materialIndex)]);
+                                wholeNumber(list.Get(int(v))), materials[size_t(materialIndex)]);
                     }
                 }
                 primitives.push_back(geometry);
@@ -254,6 +279,41 @@ struct Importer {
         return name.empty() ? "Node " + std::to_string(index) : name;
     }
 
+    // Values that end up in ray origins and directions: each must be finite and of sane size.
+    bool usable(const std::vector<double>& values, const std::string& owner, const char* what)
+    {
+        const std::string bad = oxSceneValues::firstUnusable(values.data(), values.size());
+        return bad.empty() || fail(owner + " has an unusable " + what + " (" + bad + ")");
+    }
+
+    bool nodeValuesUsable(const tinygltf::Node& source, int index)
+    {
+        const std::string owner = "node '" + oxInputLimits::quoted(nodeName(size_t(index))) + "'";
+        if (!usable(source.matrix, owner, "matrix") ||
+            !usable(source.translation, owner, "translation") ||
+            !usable(source.rotation, owner, "rotation") || !usable(source.scale, owner, "scale"))
+            return false;
+        if (source.camera >= 0 && size_t(source.camera) < model.cameras.size()) {
+            const tinygltf::PerspectiveCamera& camera =
+                model.cameras[size_t(source.camera)].perspective;
+            if (!usable({camera.yfov, camera.znear, camera.zfar}, owner,
+                        "camera field of view or clipping distance"))
+                return false;
+        }
+        const auto light = source.extensions.find("KHR_lights_punctual");
+        if (light != source.extensions.end()) {
+            const int lightIndex = wholeNumber(member(light->second, "light"));
+            if (lightIndex >= 0 && size_t(lightIndex) < model.lights.size()) {
+                const tinygltf::Light& values = model.lights[size_t(lightIndex)];
+                if (!usable(values.color, owner, "light colour") ||
+                    !usable({values.intensity, values.spot.outerConeAngle}, owner,
+                            "light intensity or cone angle"))
+                    return false;
+            }
+        }
+        return true;
+    }
+
     bool importNode(int index, osg::NodePtr parent, const osg::Matrix& parentWorld, int depth)
     {
         if (index < 0 || size_t(index) >= model.nodes.size())
@@ -261,12 +321,14 @@ struct Importer {
         if (nodes[size_t(index)] || depth > 1000)
             return fail("node " + std::to_string(index) + " is used more than once (a cycle?)");
         const tinygltf::Node& source = model.nodes[size_t(index)];
+        if (!nodeValuesUsable(source, index))
+            return false;
         std::shared_ptr<osg::NodeCore> core;
         const bool isSwitch = source.extras.Has("switch");
         osg::Matrix world = parentWorld;
         if (isSwitch) {
             auto switchCore = std::make_shared<osg::Switch>();
-            switchCore->setChoice(member(source.extras, "switch").GetNumberAsInt());
+            switchCore->setChoice(wholeNumber(member(source.extras, "switch")));
             core = switchCore;
         } else {
             auto transform = std::make_shared<osg::Transform>();
@@ -314,7 +376,7 @@ struct Importer {
         }
         const auto lightExtension = source.extensions.find("KHR_lights_punctual");
         if (lightExtension != source.extensions.end() && lightExtension->second.Has("light")) {
-            const int lightIndex = member(lightExtension->second, "light").GetNumberAsInt();
+            const int lightIndex = wholeNumber(member(lightExtension->second, "light"));
             if (lightIndex < 0 || size_t(lightIndex) >= model.lights.size())
                 return fail("node '" + node->getName() + "' refers to a light that doesn't exist");
             const tinygltf::Light& sourceLight = model.lights[size_t(lightIndex)];
@@ -448,19 +510,47 @@ bool importModel(tinygltf::Model& model, bool loaded, const std::string& err, ox
 
 } // namespace
 
-bool oxSceneIO::importGltf(const std::string& fileName, oxScene& scene, std::string& error)
+namespace {
+
+// The JSON part of a binary glTF: the first chunk, when the header is complete; otherwise
+// nothing, and the library reports the broken header.
+std::pair<const char*, size_t> binaryJsonChunk(const std::string& data)
 {
+    constexpr size_t kHeader = 12, kChunkHeader = 8;
+    if (data.size() < kHeader + kChunkHeader)
+        return {nullptr, 0};
+    uint32_t length = 0;
+    std::memcpy(&length, data.data() + kHeader, sizeof length);
+    return {data.data() + kHeader + kChunkHeader,
+            std::min<size_t>(length, data.size() - kHeader - kChunkHeader)};
+}
+
+bool loadGltf(const std::string& data, bool binary, const std::string& baseDir, oxScene& scene,
+              std::string& error)
+{
+    const auto json = binary ? binaryJsonChunk(data) : std::make_pair(data.data(), data.size());
+    if (!oxInputLimits::jsonDepthWithin(json.first, json.second)) {
+        error = "its JSON nests deeper than " + std::to_string(oxInputLimits::kMaxJsonDepth) +
+                " levels";
+        return false;
+    }
+    if (data.size() > std::numeric_limits<unsigned>::max()) {
+        error = "it is larger than 4 GiB";
+        return false;
+    }
     tinygltf::TinyGLTF loader;
     loader.SetImageLoader(skipImage, nullptr);
     tinygltf::Model model;
     std::string err, warn;
-    const std::string path = oxFile::expandFilename(fileName);
     bool loaded = false;
     try {
-        if (oxFile::getExtension(path) == "glb" || oxFile::getExtension(path) == "GLB")
-            loaded = loader.LoadBinaryFromFile(&model, &err, &warn, path);
+        if (binary)
+            loaded = loader.LoadBinaryFromMemory(
+                &model, &err, &warn, reinterpret_cast<const unsigned char*>(data.data()),
+                unsigned(data.size()), baseDir);
         else
-            loaded = loader.LoadASCIIFromFile(&model, &err, &warn, path);
+            loaded = loader.LoadASCIIFromString(&model, &err, &warn, data.data(),
+                                                unsigned(data.size()), baseDir);
     } catch (const std::exception& e) {
         // The JSON parser throws on some malformed numbers; that is just a bad file.
         loaded = false;
@@ -469,19 +559,28 @@ bool oxSceneIO::importGltf(const std::string& fileName, oxScene& scene, std::str
     return importModel(model, loaded, err, scene, error);
 }
 
+} // namespace
+
+bool oxSceneIO::importGltf(const std::string& fileName, oxScene& scene, std::string& error)
+{
+    const std::string path = oxFile::expandFilename(fileName);
+    std::string data;
+    if (!oxFile::readAll(path, data)) {
+        error = "the file can't be read";
+        return false;
+    }
+    const std::string extension = oxFile::getExtension(path);
+    const std::string folder = oxFile::getFilePath(path);
+    return loadGltf(data, extension == "glb" || extension == "GLB", folder.empty() ? "." : folder,
+                    scene, error);
+}
+
 bool oxSceneIO::importGltfText(const std::string& text, oxScene& scene, std::string& error)
 {
-    tinygltf::TinyGLTF loader;
-    loader.SetImageLoader(skipImage, nullptr);
-    tinygltf::Model model;
-    std::string err, warn;
-    bool loaded = false;
-    try {
-        loaded = loader.LoadASCIIFromString(&model, &err, &warn, text.c_str(),
-                                            unsigned(text.size()), std::string());
-    } catch (const std::exception& e) {
-        loaded = false;
-        err = e.what();
-    }
-    return importModel(model, loaded, err, scene, error);
+    return loadGltf(text, false, std::string(), scene, error);
+}
+
+bool oxSceneIO::importGltfBinary(const std::string& data, oxScene& scene, std::string& error)
+{
+    return loadGltf(data, true, std::string(), scene, error);
 }

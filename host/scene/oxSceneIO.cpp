@@ -5,10 +5,12 @@
 #include "oxExampleScene.h"
 #include "oxFile.h"
 #include "oxFileIO.h"
+#include "oxInputLimits.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageRW.h"
 #include "oxSceneServices.h"
+#include "oxSceneValues.h"
 #include "oxVariants.h"
 
 #include <QDir>
@@ -16,6 +18,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <sstream>
 
 namespace {
@@ -63,7 +66,9 @@ const char kPluginRecord[] = "pluginRecord";
 
 constexpr size_t kViewFloats = 18; // position 3, orientation 4, fov, fov mode, near, far,
                                    // whitepoint, glow 3, glare 3
+static_assert(kViewFloats == oxSceneValues::kViewValues);
 constexpr size_t kLightFloats = 5;
+constexpr int kProjectVersion = 1;
 constexpr char kLoading[] = "_loading";
 
 // Whole numbers stored as floats in a file may be anything; out of range they saturate.
@@ -116,10 +121,21 @@ void takeView(const float* v, osg::UberCameraBase& camera)
 template <typename T>
 bool need(const oxMessage& project, const std::string& name, T& value, std::string& error)
 {
-    if (project.get(name, value))
+    // The type is checked first: a wrong one is the file's fault, not a programming error
+    // worth the message's own complaint and stack trace.
+    const auto entry = project.getMap().find(name);
+    if (entry != project.getMap().end() && oxMessage::sameType(entry->second.type(), typeid(T)) &&
+        project.get(name, value))
         return true;
     error = "the entry '" + name + "' is missing or has the wrong type";
     return false;
+}
+
+// Typed read of an entry a project may leave out; present, it must have the right type.
+template <typename T>
+bool optional(const oxMessage& project, const std::string& name, T& value, std::string& error)
+{
+    return !project.has(name) || need(project, name, value, error);
 }
 
 bool sizeIs(size_t actual, size_t expected, const std::string& name, std::string& error)
@@ -128,6 +144,26 @@ bool sizeIs(size_t actual, size_t expected, const std::string& name, std::string
         return true;
     error = "the entry '" + name + "' has " + std::to_string(actual) + " values instead of " +
             std::to_string(expected);
+    return false;
+}
+
+// A list of numbers the renderer takes as they are: each must be finite and of sane size.
+bool valuesUsable(const std::vector<float>& values, const std::string& name, std::string& error)
+{
+    const std::string bad = oxSceneValues::firstUnusable(values.data(), values.size());
+    if (bad.empty())
+        return true;
+    error = "the entry '" + name + "' holds the unusable value " + bad;
+    return false;
+}
+
+// A view's numbers before they reach a camera; what says whose view it is.
+bool viewUsable(const float* view, const std::string& what, std::string& error)
+{
+    const std::string bad = oxSceneValues::checkView(view);
+    if (bad.empty())
+        return true;
+    error = what + " has an unusable " + bad;
     return false;
 }
 
@@ -164,6 +200,14 @@ bool readCameras(const oxMessage& project, oxScene& scene, std::string& error)
                 scene.getDefaultCamera()->getName() + "'";
         return false;
     }
+    for (size_t i = 0; i < cameraNames.size(); ++i)
+        if (!viewUsable(&cameraViews[i * kViewFloats],
+                        "the camera '" + oxInputLimits::quoted(cameraNames[i]) + "'", error))
+            return false;
+    for (size_t i = 0; i < viewpointNames.size(); ++i)
+        if (!viewUsable(&viewpointViews[i * kViewFloats],
+                        "the viewpoint '" + oxInputLimits::quoted(viewpointNames[i]) + "'", error))
+            return false;
     osg::NodePtr root = scene.getCameraRoot();
     clearChildren(root, scene.getDefaultCamera());
     clearChildren(scene.getDefaultCamera());
@@ -193,7 +237,9 @@ bool readCameras(const oxMessage& project, oxScene& scene, std::string& error)
         takeView(&viewpointViews[i * kViewFloats], *viewpoint->getCoreAs<osg::UberCameraBase>());
     }
     std::string active;
-    if (project.get(key::kActiveCamera, active))
+    if (!optional(project, key::kActiveCamera, active, error))
+        return false;
+    if (!active.empty())
         scene.setActiveCamera(oxScenegraph::findUniquePath(root, active));
     return true;
 }
@@ -213,7 +259,9 @@ bool readClips(const oxMessage& project, oxScene& scene, std::string& error)
             !need(project, prefix + key::kClipChannels, channels, error) ||
             !need(project, prefix + key::kClipFrames, frames, error) ||
             !need(project, prefix + key::kClipValues, values, error) ||
-            !sizeIs(channels.size(), targets.size() * 3, prefix + key::kClipChannels, error))
+            !sizeIs(channels.size(), targets.size() * 3, prefix + key::kClipChannels, error) ||
+            !valuesUsable(frames, prefix + key::kClipFrames, error) ||
+            !valuesUsable(values, prefix + key::kClipValues, error))
             return false;
         oxAnimClip* clip = scene.addClip(names[c]);
         size_t frameAt = 0, valueAt = 0;
@@ -314,7 +362,8 @@ bool readLights(const oxMessage& project, oxScene& scene, std::string& error)
         !need(project, key::kLightSettings, settings, error) ||
         !need(project, key::kLightIES, ies, error) ||
         !sizeIs(settings.size(), paths.size() * kLightFloats, key::kLightSettings, error) ||
-        !sizeIs(ies.size(), paths.size(), key::kLightIES, error))
+        !sizeIs(ies.size(), paths.size(), key::kLightIES, error) ||
+        !valuesUsable(settings, key::kLightSettings, error))
         return false;
     for (size_t i = 0; i < paths.size(); ++i) {
         osg::NodePtr node = oxScenegraph::findUniquePath(scene.getSuperRoot(), paths[i]);
@@ -337,6 +386,13 @@ bool readLights(const oxMessage& project, oxScene& scene, std::string& error)
     return true;
 }
 
+std::string unsupportedVersion(const char* what, int version, int supported)
+{
+    return std::string("it was written in ") + what + " version " + std::to_string(version) +
+           ", which this oxlin doesn't support (it reads version " + std::to_string(supported) +
+           "); open it with a newer oxlin";
+}
+
 std::string lowerExtension(const std::string& fileName)
 {
     std::string extension = oxFile::getExtension(fileName);
@@ -350,7 +406,7 @@ std::string lowerExtension(const std::string& fileName)
 void oxSceneIO::writeProject(const oxScene& scene, const std::string& modelPath, oxMessage& project)
 {
     project.addAttribute(key::kType, key::kTypeValue);
-    project.addAttribute(key::kVersion, "1");
+    project.addAttribute(key::kVersion, std::to_string(kProjectVersion));
     project.set(key::kModel, modelPath, true);
     project.set(key::kFps, scene.fps, true);
     oxScene& mutableScene = const_cast<oxScene&>(scene); // scene data has no const reader
@@ -481,22 +537,26 @@ void oxSceneIO::writeProject(const oxScene& scene, const std::string& modelPath,
 bool oxSceneIO::readProject(const oxMessage& project, oxScene& scene, std::string& error)
 {
     float fps = 0;
-    if (project.get(key::kFps, fps) && fps > 0)
-        scene.fps = fps;
     bool photometric = false;
-    if (project.get(key::kPhotometric, photometric))
+    if (!optional(project, key::kFps, fps, error) ||
+        !optional(project, key::kPhotometric, photometric, error) ||
+        !optional(project, key::kEnvironmentName, scene.getEnvironment()->name, error))
+        return false;
+    if (fps > 0 && oxSceneValues::usable(fps))
+        scene.fps = fps;
+    if (project.has(key::kPhotometric))
         scene.sceneData().setPhotometric(photometric ? 1 : 0);
     std::vector<float> environment;
     if (project.has(key::kEnvironment)) {
         if (!need(project, key::kEnvironment, environment, error) ||
-            !sizeIs(environment.size(), 7, key::kEnvironment, error))
+            !sizeIs(environment.size(), 7, key::kEnvironment, error) ||
+            !valuesUsable(environment, key::kEnvironment, error))
             return false;
         osg::UEnvironmentMaterialBase* sky = scene.getEnvironment();
         sky->skyColor = {environment[0], environment[1], environment[2]};
         sky->groundColor = {environment[3], environment[4], environment[5]};
         sky->setLuminanceMapping(environment[6]);
     }
-    project.get(key::kEnvironmentName, scene.getEnvironment()->name);
     if (project.has(key::kCameraNames) && !readCameras(project, scene, error))
         return false;
     if (project.has(key::kClipNames) && !readClips(project, scene, error))
@@ -534,11 +594,28 @@ std::unique_ptr<oxScene> oxSceneIO::load(const std::string& fileName, oxMessage*
 
     oxMessage project;
     std::string type, model;
-    if (!oxMessageRW::read(project, path.c_str(), std::string()))
+    if (!oxMessageRW::read(project, path.c_str(), std::string())) {
+        if (oxMessageRW::lastFormatVersion() > oxMessageRW::formatVersion)
+            return fail(unsupportedVersion("record format", oxMessageRW::lastFormatVersion(),
+                                           oxMessageRW::formatVersion));
         return fail("the project file is malformed, truncated or unreadable");
+    }
     if (project.getAttibute(key::kType) != key::kTypeValue)
         return fail("this is no oxlin project");
-    if (!project.get(key::kModel, model) || model.empty())
+    const std::string version = project.getAttibute(key::kVersion);
+    if (!version.empty() && version != std::to_string(kProjectVersion)) {
+        int number = 0;
+        const auto [end, problem] =
+            std::from_chars(version.data(), version.data() + version.size(), number);
+        if (problem != std::errc() || end != version.data() + version.size() || number < 1)
+            return fail("its project format version '" + oxInputLimits::quoted(version) +
+                        "' is not a number");
+        if (number > kProjectVersion)
+            return fail(unsupportedVersion("project format", number, kProjectVersion));
+    }
+    if (!optional(project, key::kModel, model, error))
+        return fail(error);
+    if (model.empty())
         return fail("the project names no model");
     const QDir folder = QFileInfo(QString::fromStdString(path)).absoluteDir();
     const std::string modelPath =
@@ -553,7 +630,9 @@ std::unique_ptr<oxScene> oxSceneIO::load(const std::string& fileName, oxMessage*
     if (!readProject(project, *scene, error))
         return fail(error);
     std::string pluginText;
-    if (project.get(key::kPluginRecord, pluginText) && pluginRecord && !pluginText.empty() &&
+    if (!optional(project, key::kPluginRecord, pluginText, error))
+        return fail(error);
+    if (pluginRecord && !pluginText.empty() &&
         !oxMessageRW::read(*pluginRecord, nullptr, pluginText))
         return fail("the plug-ins' record in it is malformed");
     return scene;

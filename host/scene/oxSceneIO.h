@@ -46,6 +46,8 @@ public:
     static bool importGltf(const std::string& fileName, oxScene& scene, std::string& error);
     /// Imports glTF JSON text whose buffers are data URIs.
     static bool importGltfText(const std::string& text, oxScene& scene, std::string& error);
+    /// Imports the bytes of a binary glTF file whose buffers are its own chunk or data URIs.
+    static bool importGltfBinary(const std::string& data, oxScene& scene, std::string& error);
 
     /// Writes scene's project entries into project (model path as given).
     static void writeProject(const oxScene& scene, const std::string& modelPath,
