@@ -30,6 +30,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -275,21 +276,45 @@ void newScene()
     oxController::broadcastMessage(message);
 }
 
+constexpr int kMaxImageSide = 32768;
+
+// One side of --size: decimal digits only (no sign, no spaces), 1 to kMaxImageSide. Parsed
+// with a range check, so that no number wraps around into a small one.
+bool parseSide(const char* begin, const char* end, int& side)
+{
+    if (begin == end || *begin < '0' || *begin > '9')
+        return false;
+    long long value = 0;
+    const auto [stop, problem] = std::from_chars(begin, end, value);
+    if (problem != std::errc() || stop != end || value < 1 || value > kMaxImageSide)
+        return false;
+    side = int(value);
+    return true;
+}
+
+// "WxH" into width and height; false, leaving them, for anything else.
+bool parseSize(const std::string& text, int& width, int& height)
+{
+    const size_t x = text.find('x');
+    int w = 0, h = 0;
+    if (x == std::string::npos || !parseSide(text.data(), text.data() + x, w) ||
+        !parseSide(text.data() + x + 1, text.data() + text.size(), h))
+        return false;
+    width = w;
+    height = h;
+    return true;
+}
+
 // Renders the current (or named) view through the image writer; the exit status of oxlin.
 int renderSnapshot(const Options& options)
 {
     int width = 1280, height = 720;
-    if (!options.size.empty()) {
-        char separator = 0;
-        char rest = 0;
-        if (std::sscanf(options.size.c_str(), "%d%c%d%c", &width, &separator, &height, &rest) !=
-                3 ||
-            separator != 'x' || width <= 0 || height <= 0 || width > 32768 || height > 32768) {
-            std::fprintf(stderr,
-                         "oxlin: bad size '%s' for --snapshot (expected WxH, e.g. 640x360)\n",
-                         options.size.c_str());
-            return 2;
-        }
+    if (!options.size.empty() && !parseSize(options.size, width, height)) {
+        std::fprintf(stderr,
+                     "oxlin: bad size '%s' for --snapshot (expected WxH, each 1 to %d, e.g. "
+                     "640x360)\n",
+                     options.size.c_str(), kMaxImageSide);
+        return 2;
     }
     if (!options.samples.empty()) {
         char* end = nullptr;
