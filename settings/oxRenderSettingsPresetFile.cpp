@@ -1,6 +1,8 @@
 #include "oxRenderSettingsPresetFile.h"
 
 #include "oxFile.h"
+#include "oxFileRescue.h"
+#include "oxInputLimits.h"
 #include "oxLiveParameters.h"
 #include "oxLog.h"
 #include "oxMessage.h"
@@ -234,6 +236,13 @@ void completeSameAs(const oxMessage& message, const char* attribute,
         (*presets[i]).*access.field = (*presets[i]).*access.sameAs;
 }
 
+// The preset file of the preferences folder when its last read failed to parse it.
+std::string& unreadablePresetFile()
+{
+    static std::string path;
+    return path;
+}
+
 int parseVersion(const std::string& text)
 {
     int version = 0;
@@ -242,8 +251,33 @@ int parseVersion(const std::string& text)
     return result.ec == std::errc() && result.ptr == end ? version : 0;
 }
 
-oxRenderSettingsPresets readParsed(const oxMessage& message)
+template <typename T>
+const std::type_info& columnType(const oxPresetColumnField<T>&)
 {
+    return typeid(std::vector<T>);
+}
+
+// A column of another type than the presets hold is left out with one line naming it and its
+// source, rather than a complaint with a stack trace from each typed read of it.
+void dropWronglyTyped(oxMessage& message, const std::string& source)
+{
+    auto check = [&](const char* attribute, const std::type_info& type) {
+        const boost::any& stored = message.get(attribute);
+        if (stored.empty() || oxMessage::sameType(stored.type(), type))
+            return;
+        oxLog::warning(kPresetWrongTypeMessage, source.c_str(),
+                       oxInputLimits::quoted(attribute).c_str());
+        message.remove(attribute);
+    };
+    check(kPresetCountAttribute, typeid(unsigned int));
+    for (const oxPresetColumn& column : oxPresetColumns())
+        std::visit([&](const auto& access) { check(column.attribute, columnType(access)); },
+                   column.access);
+}
+
+oxRenderSettingsPresets readParsed(oxMessage& message, const std::string& source)
+{
+    dropWronglyTyped(message, source);
     const int version = parseVersion(message.getAttibute(kPresetVersionAttribute));
     oxRenderSettingsPreset::setLoadedFileVersion(version);
     oxLog::info(kPresetLoadedVersionMessage, version);
@@ -297,7 +331,16 @@ void savePresetFile(const oxRenderSettingsPresets& presets)
         oxLog::error("%s", kPresetNewerVersionMessage);
         return;
     }
-    if (!writePresetFile(folder + kPresetFileName, presets))
+    const std::string path = folder + kPresetFileName;
+    if (unreadablePresetFile() == path) {
+        // The presets of a file that couldn't be read are not in the list being saved: the
+        // file is kept beside itself so that the user can still recover them.
+        const std::string kept = oxFileRescue::keepBeside(path);
+        if (!kept.empty())
+            oxLog::warning(kPresetFileKeptMessage, path.c_str(), kept.c_str());
+        unreadablePresetFile().clear();
+    }
+    if (!writePresetFile(path, presets))
         oxLog::error("%s", kPresetWriteFailedMessage);
 }
 
@@ -343,7 +386,7 @@ oxRenderSettingsPresets readPresetsFromFile(const std::string& path)
     oxMessage message;
     if (!oxMessageRW::read(message, path.c_str(), std::string()))
         return {};
-    return readParsed(message);
+    return readParsed(message, "'" + path + "'");
 }
 
 oxRenderSettingsPresets readPresetsFromString(const std::string& text)
@@ -351,7 +394,7 @@ oxRenderSettingsPresets readPresetsFromString(const std::string& text)
     oxMessage message;
     if (!oxMessageRW::read(message, nullptr, text))
         return {};
-    return readParsed(message);
+    return readParsed(message, "text");
 }
 
 oxRenderSettingsPresets readPresetFile()
@@ -362,8 +405,13 @@ oxRenderSettingsPresets readPresetFile()
     if (folder.empty())
         return {};
     const std::string path = folder + kPresetFileName;
-    if (oxFile::exists(path, true))
-        return readPresetsFromFile(path);
+    if (oxFile::exists(path, true)) {
+        oxMessage message;
+        if (oxMessageRW::read(message, path.c_str(), std::string()))
+            return readParsed(message, "'" + path + "'");
+        unreadablePresetFile() = path;
+        return {};
+    }
     // Without a current file the legacy one is tried as it is: if it isn't there either, the
     // read fails and the list is empty.
     return readPresetsFromFile(folder + kLegacyPresetFileName);

@@ -24,6 +24,10 @@ constexpr const char* kPresetReadNotice = "Read Preset";
 constexpr const char* kPresetLoadedVersionMessage = "Loaded version of rendersettings presets: %i";
 constexpr const char* kPresetNameMissingMessage = "Couldn't read preset!";
 constexpr const char* kPresetWriteFailedMessage = "Couldn't write raytracing templates file!";
+constexpr const char* kPresetWrongTypeMessage =
+    "The presets of %s: the entry '%s' has the wrong type and is left out.";
+constexpr const char* kPresetFileKeptMessage =
+    "The preset file '%s' couldn't be read; it is kept as '%s' and a new one is saved.";
 constexpr const char* kPresetNewerVersionMessage =
     "Loaded version of the rendersettings templates file (renderdettings.xml) was created with "
     "a newer version of Oxlin!\nSaving of templates has been disabled. Please manually delete "

@@ -2,11 +2,13 @@
 
 #include "oxFile.h"
 #include "oxFileRescue.h"
+#include "oxInputLimits.h"
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageRW.h"
 #include "oxPreferencesService.h"
 
+#include <QString>
 #include <QWidget>
 
 #include <algorithm>
@@ -69,6 +71,31 @@ std::string newerVersionProblem(const oxMessage& loaded)
         return {};
     return "it was written by a newer version (preferences version " + it->second +
            ", this one reads up to " + std::to_string(oxPreferences::fileVersion) + ")";
+}
+
+// A value of another type than its page's default would make every later typed read complain
+// with a stack trace: each is reported once, naming the key and the file, and left to the
+// default.
+void dropWronglyTyped(oxMessage& loaded, const std::string& file)
+{
+    oxMessage defaults;
+    for (oxPreferences* page : state().pages)
+        if (page->getPreferencesGUI())
+            page->setPreferenceDefaults(defaults, true);
+    for (const auto& [key, value] : defaults.getMap()) {
+        const boost::any& stored = loaded.get(key);
+        // Text is text in either string type: the pages read both.
+        const auto text = [](const std::type_info& type) {
+            return oxMessage::sameType(type, typeid(std::string)) ||
+                   oxMessage::sameType(type, typeid(QString));
+        };
+        if (stored.empty() || oxMessage::sameType(stored.type(), value.type()) ||
+            (text(stored.type()) && text(value.type())))
+            continue;
+        oxLog::warning("Preferences: '%s': the entry '%s' has the wrong type; its default is used",
+                       file.c_str(), oxInputLimits::quoted(key).c_str());
+        loaded.remove(key);
+    }
 }
 
 } // namespace
@@ -199,6 +226,7 @@ bool oxPreferences::load()
     else
         problem = newerVersionProblem(loaded);
     if (problem.empty()) {
+        dropWronglyTyped(loaded, file);
         state().data = loaded;
         fillPageDefaults(true);
         return true;

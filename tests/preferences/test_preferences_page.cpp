@@ -146,6 +146,24 @@ TEST_F(PreferencesPageTest, ConfirmedValuesSurviveARestart)
     EXPECT_EQ(stored<int>("Maximum Antialiasing Samples"), 256);
 }
 
+// A value of the wrong type in the file is one line naming it and the file; it takes its
+// default and the rest of the file is read.
+TEST_F(PreferencesPageTest, WronglyTypedValueInTheFileTakesItsDefault)
+{
+    const std::string file = oxPreferences::getPreferencesFile();
+    oxMessage written;
+    written.set("Maximum Antialiasing Samples", std::string("many"));
+    written.set("Maximum Rendering Time", 77u);
+    ASSERT_TRUE(oxMessageRW::write(written, file.c_str()));
+    data().clear();
+    ASSERT_TRUE(oxPreferences::load());
+    expectLog(oxLog::Warning, "Preferences: '" + file +
+                                  "': the entry 'Maximum Antialiasing Samples' has the wrong "
+                                  "type; its default is used");
+    EXPECT_EQ(stored<int>("Maximum Antialiasing Samples"), 256);
+    EXPECT_EQ(stored<unsigned int>("Maximum Rendering Time"), 77u);
+}
+
 TEST_F(PreferencesPageTest, EveryKeyHasItsWidgetAndRestoreDefaultsBringsTheTableBack)
 {
     for (const oxPreferenceDefault& row : preferenceDefaults()) {
