@@ -2,6 +2,10 @@
 
 BUILD_DIR ?= build
 ASAN_DIR ?= build-asan
+FUZZ_DIR ?= build-fuzz
+# Seconds per harness: make fuzz runs each this long, make test-fuzz a short run on the corpus.
+FUZZ_SECONDS ?= 600
+FUZZ_TEST_SECONDS ?= 20
 JOBS ?= $(shell nproc)
 CMAKE_FLAGS ?=
 CTEST_FLAGS ?= --output-on-failure --timeout 600
@@ -14,10 +18,14 @@ export CCACHE_MAXSIZE ?= 5G
 export CCACHE_BASEDIR ?= $(CURDIR)
 export CCACHE_NOHASHDIR ?= 1
 
-.PHONY: deps configure build test test-release test-asan demo screenshots format format-check clean
+.PHONY: deps fuzz-deps configure build test test-release test-asan test-fuzz fuzz fuzz-build demo screenshots format format-check clean
 
 deps:
 	@bash scripts/install-deps.sh
+
+# clang and its libFuzzer runtime, only for the fuzzing build.
+fuzz-deps: deps
+	@bash scripts/install-deps.sh --fuzz
 
 $(BUILD_DIR)/build.ninja:
 	cmake -S . -B $(BUILD_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DOX_WERROR=ON $(CMAKE_FLAGS)
@@ -47,6 +55,22 @@ test-asan: deps $(ASAN_DIR)/build.ninja
 	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan.supp:print_suppressions=0 \
 	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	    ctest $(CTEST_FLAGS) -j $(JOBS)
+
+# The readers' libFuzzer harnesses (fuzz/): a clang build of only the harnesses and what they
+# link, with coverage and the sanitizers. Not part of make test: a cold clang build of the host
+# takes long; CI runs make test-fuzz as a job of its own.
+$(FUZZ_DIR)/build.ninja:
+	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+	    -DOX_FUZZ=ON -DOX_BUILD_TESTS=OFF -DOX_BUILD_BENCH=OFF $(CMAKE_FLAGS)
+
+fuzz-build: fuzz-deps $(FUZZ_DIR)/build.ninja
+	cmake --build $(FUZZ_DIR) -j $(JOBS) --target ox_fuzzers
+
+fuzz: fuzz-build
+	scripts/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+
+test-fuzz: fuzz-build
+	scripts/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_TEST_SECONDS)
 
 # The main job on the built-in example: writes the example scene, opens it headless with the
 # plug-ins, lists what it offers to a render job and renders it (a PNG and a multi-layer EXR),
@@ -79,4 +103,4 @@ format-check:
 	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
 
 clean:
-	rm -rf $(BUILD_DIR) $(ASAN_DIR)
+	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)

@@ -11,6 +11,16 @@ if(OX_SANITIZE)
         -fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
     target_link_options(ox_sanitize INTERFACE -fsanitize=address,undefined)
 endif()
+# The fuzzing build: coverage for libFuzzer and the sanitizers in every target of the project;
+# the harnesses link the fuzzer's own main (fuzz/CMakeLists.txt).
+if(OX_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        message(FATAL_ERROR "OX_FUZZ needs clang: configure with CC=clang CXX=clang++")
+    endif()
+    target_compile_options(ox_sanitize INTERFACE -fsanitize=fuzzer-no-link,address,undefined
+        -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_link_options(ox_sanitize INTERFACE -fsanitize=address,undefined)
+endif()
 
 # Applies our warning and sanitizer settings to a target of this project.
 function(ox_target_defaults target)

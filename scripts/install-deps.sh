@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages needed to build, test and run Oxlin.
+# With --fuzz: the packages of the fuzzing build instead (make fuzz).
 # Idempotent: packages already present are skipped, and nothing runs when all are there.
 set -euo pipefail
 
@@ -15,6 +16,11 @@ PACKAGES=(
     libgtest-dev libgmock-dev libbenchmark-dev
     slurm-wlm munge
 )
+# clang with its sanitizer and libFuzzer runtimes, for the fuzzing build only.
+FUZZ_PACKAGES=(clang libclang-rt-14-dev)
+if [ "${1:-}" = "--fuzz" ]; then
+    PACKAGES=("${FUZZ_PACKAGES[@]}")
+fi
 
 missing=()
 for p in "${PACKAGES[@]}"; do

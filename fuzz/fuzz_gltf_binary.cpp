@@ -1,0 +1,23 @@
+// The glTF importer on binary files (buffers in the BIN chunk or data URIs).
+
+#include "oxLog.h"
+#include "oxScene.h"
+#include "oxSceneIO.h"
+
+#include <cstdint>
+#include <string>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***)
+{
+    oxLog::setStderrEnabled(false);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    oxScene scene;
+    std::string error;
+    oxSceneIO::importGltfBinary(std::string(reinterpret_cast<const char*>(data), size), scene,
+                                error);
+    return 0;
+}
