@@ -1,5 +1,7 @@
 #include "oxFile.h"
 
+#include "oxPartialFiles.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -178,7 +180,8 @@ bool oxFile::createPath(const std::string& input)
 
 bool oxFile::writeAtomically(const std::string& input, const std::string& data, std::string* error)
 {
-    const std::string path = expandFilename(input);
+    // Through a symbolic link to its target, so that the link stays a link.
+    const std::string path = oxPartialFiles::target(expandFilename(input));
     const std::string folder = getFilePath(path);
     std::string pattern =
         (folder.empty() ? std::string(".") : folder) + "/." + getFileName(path) + ".tmp-XXXXXX";
@@ -191,6 +194,12 @@ bool oxFile::writeAtomically(const std::string& input, const std::string& data, 
     const int fd = ::mkstemp(pattern.data());
     if (fd < 0)
         return fail("can't create a temporary file");
+    oxPartialFiles::track(pattern);
+    // Every way out below removes the temporary, so it is no longer tracked after this.
+    struct Untrack {
+        const std::string& name;
+        ~Untrack() { oxPartialFiles::forget(name); }
+    } untrack{pattern};
     size_t written = 0;
     while (written < data.size()) {
         const ssize_t n = ::write(fd, data.data() + written, data.size() - written);

@@ -9,7 +9,7 @@
 /// The entry table of the image codec module (liboximagecodec.so), which holds the host's use
 /// of the image file library. oxImageEncoder loads it on first use.
 struct oxImageCodec {
-    static constexpr int kVersion = 1;
+    static constexpr int kVersion = 2;
     int version;
     /// Extension -> format name of every format that can be written here.
     std::map<std::string, std::string> (*writableFormats)();

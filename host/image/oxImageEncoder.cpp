@@ -4,6 +4,7 @@
 
 #include "oxImageCodec.h"
 #include "oxLog.h"
+#include "oxPartialFiles.h"
 
 #include <algorithm>
 #include <array>
@@ -271,26 +272,11 @@ bool encode(const std::string& extension, int width, int height,
     return true;
 }
 
-std::string temporaryName(const std::string& path)
-{
-    static std::atomic<unsigned> counter{0};
-    const std::string folder = oxFile::getFilePath(path);
-    const std::string extension = oxFile::getExtension(path);
-    std::string name = "." + oxFile::getBaseName(path) + ".part" + std::to_string(::getpid()) +
-                       "-" + std::to_string(counter++);
-    if (!extension.empty())
-        name += "." + extension;
-    return folder.empty() ? name : (folder == "/" ? "/" + name : folder + "/" + name);
-}
+std::string temporaryName(const std::string& path) { return oxPartialFiles::begin(path); }
 
 bool commitTemporary(const std::string& temporary, const std::string& path, std::string& error)
 {
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        error = std::string("can't rename the finished file: ") + std::strerror(errno);
-        std::remove(temporary.c_str());
-        return false;
-    }
-    return true;
+    return oxPartialFiles::commit(temporary, path, error);
 }
 
 bool writeFile(const std::string& path, int width, int height,
@@ -298,19 +284,27 @@ bool writeFile(const std::string& path, int width, int height,
                std::string& error)
 {
     std::string bytes;
-    if (!encode(oxFile::getExtension(path), width, height, layers, settings, bytes, error))
+    // Formats the codec can't encode in memory go through a file of their own beside the
+    // target: it is tracked like the temporary, so that no signal leaves it behind.
+    oxEncodeSettings withScratch = settings;
+    withScratch.scratchFile = temporaryName(path);
+    const bool encoded =
+        encode(oxFile::getExtension(path), width, height, layers, withScratch, bytes, error);
+    oxPartialFiles::discard(withScratch.scratchFile);
+    if (!encoded)
         return false;
     const std::string temporary = temporaryName(path);
     FILE* file = std::fopen(temporary.c_str(), "wb");
     if (!file) {
         error = std::string("can't create the file: ") + std::strerror(errno);
+        oxPartialFiles::forget(temporary);
         return false;
     }
     const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
     const bool closed = std::fclose(file) == 0;
     if (!written || !closed) {
         error = std::string("can't write the file: ") + std::strerror(errno);
-        std::remove(temporary.c_str());
+        oxPartialFiles::discard(temporary);
         return false;
     }
     return commitTemporary(temporary, path, error);

@@ -37,6 +37,10 @@ struct oxEncodeSettings {
     std::string xmp;
     /// Further string attributes (EXR header entries, PNG text); Cryptomatte keys go here.
     std::vector<std::pair<std::string, std::string>> attributes;
+    /// A file the encoder may write and read back for formats it can't encode in memory
+    /// (multi-layer TIFF), best beside the target so that it never lands in a shared temporary
+    /// folder; empty: a private file in the system's temporary folder. The caller removes it.
+    std::string scratchFile;
 };
 
 /// Image encoding through OpenImageIO, with the format chosen by a file extension.

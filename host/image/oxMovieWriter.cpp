@@ -1,6 +1,7 @@
 #include "oxMovieWriter.h"
 
 #include "oxImageEncoder.h"
+#include "oxPartialFiles.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -45,7 +46,7 @@ void oxMovieWriter::abandon()
 {
     release();
     if (!m_temporary.empty())
-        std::remove(m_temporary.c_str());
+        oxPartialFiles::discard(m_temporary);
     m_temporary.clear();
 }
 

@@ -259,15 +259,19 @@ bool encode(const std::string& format, const std::string& extension, int width, 
         out.reset();
         bytes.assign(reinterpret_cast<const char*>(buffer.data()), buffer.size());
     } else {
-        // Formats without in-memory output go through a private temporary file.
+        // Formats without in-memory output go through a file: the caller's scratch file, else
+        // a private temporary one.
         QTemporaryFile file(QDir::tempPath() + "/oximage-XXXXXX." +
                             QString::fromStdString(extension));
-        if (!file.open()) {
-            error = "no temporary file for encoding";
-            return false;
+        std::string path = settings.scratchFile;
+        if (path.empty()) {
+            if (!file.open()) {
+                error = "no temporary file for encoding";
+                return false;
+            }
+            path = QFile::encodeName(file.fileName()).toStdString();
+            file.close();
         }
-        const std::string path = file.fileName().toStdString();
-        file.close();
         if (!writeLayers(*out, path, format, width, height, layers, settings, error))
             return false;
         out.reset();
