@@ -13,6 +13,7 @@
 #include "oxLog.h"
 #include "oxMainWindow.h"
 #include "oxMessage.h"
+#include "oxPathText.h"
 #include "oxPlatform.h"
 #include "oxPluginLoader.h"
 #include "oxPreferences.h"
@@ -365,7 +366,7 @@ int renderSnapshot(const Options& options)
         oxImageRenderWidget::setActiveRenderPasses(flags);
     }
 
-    const QString output = QString::fromStdString(options.snapshot);
+    const QString output = oxPathText::toQString(options.snapshot);
     oxImageWriter writer;
     writer.setNoOverwriteMessage(true);
     writer.setNoShowImage(true);
@@ -377,7 +378,7 @@ int renderSnapshot(const Options& options)
     }
     for (const QString& name :
          writer.getExportedImageFilenames(output, passIds, writer.getExportMultiLayer()))
-        std::printf("Wrote '%s'.\n", name.toUtf8().constData());
+        std::printf("Wrote '%s'.\n", oxPathText::fromQString(name).c_str());
     return 0;
 }
 

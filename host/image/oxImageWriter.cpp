@@ -14,6 +14,7 @@
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMovieWriter.h"
+#include "oxPathText.h"
 #include "oxPreferences.h"
 
 #include <lcms2.h>
@@ -89,7 +90,8 @@ std::vector<unsigned> activePassIds()
     return ids;
 }
 
-std::string utf8(const QString& text) { return text.toUtf8().toStdString(); }
+// File names as bytes: a name that isn't UTF-8 keeps its bytes (oxPathText::toQString).
+std::string pathBytes(const QString& path) { return oxPathText::fromQString(path); }
 
 std::string buildProfile(int profileID)
 {
@@ -206,7 +208,7 @@ bool oxImageWriter::isMultilayerSupported(const QString& filename)
 {
     QString stem, extension;
     splitExtension(filename, stem, extension);
-    return !extension.isEmpty() && oxImageEncoder::isMultiLayerFormat(utf8(extension.mid(1)));
+    return !extension.isEmpty() && oxImageEncoder::isMultiLayerFormat(pathBytes(extension.mid(1)));
 }
 
 bool oxImageWriter::isStreamOutput() { return oxImageOutStream::isActive(); }
@@ -299,7 +301,7 @@ std::string oxImageWriter::iccProfileFromPreferences(int profileID, std::string&
     if (const auto* text = boost::any_cast<std::string>(&value))
         file = *text;
     else if (const auto* qtext = boost::any_cast<QString>(&value))
-        file = utf8(*qtext);
+        file = pathBytes(*qtext);
     else if (!value.empty()) {
         problem = std::string("the preference \"") + key + "\" holds no file name";
         return std::string();
@@ -336,7 +338,7 @@ bool oxImageWriter::exportImage(QString filename, int width, int height, int ssF
     (void)clusterHosts; // this host renders locally
     (void)unused;
     oxCallTrace::record("oxImageWriter::exportImage",
-                        utf8(filename) + "," + std::to_string(width) + "," +
+                        pathBytes(filename) + "," + std::to_string(width) + "," +
                             std::to_string(height) + "," + std::to_string(ssFactor) + "," +
                             std::to_string(alpha) + "," + std::to_string(dpi) + "," +
                             (passes ? "true" : "false"));
@@ -363,8 +365,8 @@ bool oxImageWriter::exportImages(QString filename, int width, int height, int fp
 {
     (void)clusterHosts;
     oxCallTrace::record("oxImageWriter::exportImages",
-                        utf8(filename) + "," + std::to_string(start) + "," + std::to_string(stop) +
-                            "," + std::to_string(step));
+                        pathBytes(filename) + "," + std::to_string(start) + "," +
+                            std::to_string(stop) + "," + std::to_string(step));
     if (ssFactor != -1)
         m_supersampling = ssFactor > 0 ? 3 : 0;
     if (alpha != -1)
@@ -388,9 +390,9 @@ bool oxImageWriter::exportAVI(QString filename, int width, int height, int fps, 
 {
     (void)clusterHosts;
     (void)unused;
-    oxCallTrace::record("oxImageWriter::exportAVI", utf8(filename) + "," + std::to_string(fps) +
-                                                        "," + std::to_string(start) + "," +
-                                                        std::to_string(stop));
+    oxCallTrace::record("oxImageWriter::exportAVI",
+                        pathBytes(filename) + "," + std::to_string(fps) + "," +
+                            std::to_string(start) + "," + std::to_string(stop));
     if (ssFactor != -1)
         m_supersampling = ssFactor > 0 ? 3 : 0;
     Job job;
@@ -424,12 +426,12 @@ bool oxImageWriter::exportImageFastInit(int width, int height, int supersampling
 
 bool oxImageWriter::exportImageFast(QString filename)
 {
-    oxCallTrace::record("oxImageWriter::exportImageFast", utf8(filename));
+    oxCallTrace::record("oxImageWriter::exportImageFast", pathBytes(filename));
     if (!m_fastReady) {
         osg_image_file_handler_errno = 1;
         oxLog::error("Image writer: can't write '%s': fast snapshots were not initialised "
                      "(exportImageFastInit).",
-                     utf8(filename).c_str());
+                     pathBytes(filename).c_str());
         return false;
     }
     const int saved = m_supersampling;
@@ -461,11 +463,10 @@ bool oxImageWriter::confirmOverwrite(const std::string& path)
         oxLog::info("Image writer: overwriting '%s'.", path.c_str());
         return true;
     }
-    const auto answer =
-        QMessageBox::question(nullptr, QObject::tr("Overwrite"),
-                              QObject::tr("The file '%1' exists already. Overwrite it?")
-                                  .arg(QString::fromStdString(path)),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+    const auto answer = QMessageBox::question(
+        nullptr, QObject::tr("Overwrite"),
+        QObject::tr("The file '%1' exists already. Overwrite it?").arg(oxPathText::toQString(path)),
+        QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     if (answer == QMessageBox::Yes)
         return true;
     oxLog::info("Image writer: kept the existing file '%s'.", path.c_str());
@@ -477,12 +478,16 @@ void oxImageWriter::showImage(const std::string& path)
     if (m_noShowImage || oxController::isNoGUI() ||
         !qobject_cast<QApplication*>(QCoreApplication::instance()))
         return;
-    QPixmap pixmap(QString::fromStdString(path));
+    // From the bytes: Qt would open a name that isn't UTF-8 under a different name.
+    std::string data;
+    QPixmap pixmap;
+    if (oxFile::readAll(path, data))
+        pixmap.loadFromData(reinterpret_cast<const uchar*>(data.data()), uint(data.size()));
     if (pixmap.isNull())
         return; // a format Qt can't show (EXR, HDR...): nothing to display
     auto* label = new QLabel();
     label->setAttribute(Qt::WA_DeleteOnClose);
-    label->setWindowTitle(QString::fromStdString(oxFile::getFileName(path)));
+    label->setWindowTitle(oxPathText::toQString(oxFile::getFileName(path)));
     label->setPixmap(pixmap);
     label->show();
 }
@@ -492,7 +497,7 @@ bool oxImageWriter::run(Job& job)
     m_canceled = false;
     m_cancelRequested = false;
     osg_image_file_handler_errno = 1;
-    const std::string shown = utf8(job.filename);
+    const std::string shown = pathBytes(job.filename);
     if (!oxImageSource::current()) {
         oxLog::error("Image writer: can't render '%s': no renderer is available.", shown.c_str());
         return false;
@@ -577,7 +582,7 @@ bool oxImageWriter::run(Job& job)
         }
         if (m_canceled || !ok)
             break;
-        job.progress->step(job.movie ? shown : utf8(names.value(0)));
+        job.progress->step(job.movie ? shown : pathBytes(names.value(0)));
         if (ok && i + 1 < job.frames.size() && (cancelRequested() || job.progress->canceled())) {
             m_canceled = true;
             oxLog::info("Image writer: export of '%s' cancelled after frame %d.", shown.c_str(),
@@ -632,17 +637,17 @@ bool oxImageWriter::renderUnit(Job& job, int frame, const QStringList& names)
     const bool rendered = oxImageSource::current()->render(request, image, error);
     lastRenderTime() =
         std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
-    const std::string shown = job.movie ? utf8(job.filename) : utf8(names.value(0));
+    const std::string shown = job.movie ? pathBytes(job.filename) : pathBytes(names.value(0));
     if (!rendered && job.stopped) {
         // Stopped between two rounds: the image is unfinished, so none of its files appear.
         m_canceled = true;
         if (job.sequence || job.movie)
             oxLog::info("Image writer: export of '%s' cancelled during frame %d; the frame was "
                         "not written.",
-                        utf8(job.filename).c_str(), frame);
+                        pathBytes(job.filename).c_str(), frame);
         else
             oxLog::info("Image writer: export of '%s' cancelled; the image was not written.",
-                        utf8(job.filename).c_str());
+                        pathBytes(job.filename).c_str());
         return false;
     }
     if (!rendered) {
@@ -680,7 +685,7 @@ bool oxImageWriter::writeUnit(Job& job, const oxRenderedImage& image, const QStr
         std::vector<unsigned> passes = files[size_t(f)].passIds;
         if (passes.empty())
             passes = {0};
-        const std::string name = utf8(names[f]);
+        const std::string name = pathBytes(names[f]);
 
         if (oxImageOutStream::isActive()) {
             std::vector<osg::ImagePtr> layers;

@@ -9,6 +9,7 @@
 #include "oxLog.h"
 #include "oxMessage.h"
 #include "oxMessageRW.h"
+#include "oxPathText.h"
 #include "oxSceneServices.h"
 #include "oxSceneValues.h"
 #include "oxVariants.h"
@@ -588,7 +589,8 @@ std::unique_ptr<oxScene> oxSceneIO::load(const std::string& fileName, oxMessage*
     if (extension != "oxp") {
         if (!importGltf(path, *scene, error))
             return fail(error);
-        scene->modelFile = QFileInfo(QString::fromStdString(path)).absoluteFilePath().toStdString();
+        scene->modelFile =
+            oxPathText::fromQString(QFileInfo(oxPathText::toQString(path)).absoluteFilePath());
         return scene;
     }
 
@@ -617,11 +619,12 @@ std::unique_ptr<oxScene> oxSceneIO::load(const std::string& fileName, oxMessage*
         return fail(error);
     if (model.empty())
         return fail("the project names no model");
-    const QDir folder = QFileInfo(QString::fromStdString(path)).absoluteDir();
-    const std::string modelPath =
-        QFileInfo(folder, QString::fromStdString(oxFile::convertSeparators(model)))
-            .absoluteFilePath()
-            .toStdString();
+    // Paths pass through QString with their bytes kept (oxPathText::toQString): a project in a
+    // folder whose name isn't UTF-8 still finds its model.
+    const QDir folder = QFileInfo(oxPathText::toQString(path)).absoluteDir();
+    const std::string modelPath = oxPathText::fromQString(
+        QFileInfo(folder, oxPathText::toQString(oxFile::convertSeparators(model)))
+            .absoluteFilePath());
     if (!oxFile::exists(modelPath, true))
         return fail("the model '" + model + "' it references doesn't exist");
     if (!importGltf(modelPath, *scene, error))
@@ -685,17 +688,19 @@ bool oxSceneIO::save(const std::string& fileName)
         return false;
     }
     oxScene& scene = oxScene::current();
-    const QDir folder = QFileInfo(QString::fromStdString(path)).absoluteDir();
+    const QDir folder = QFileInfo(oxPathText::toQString(path)).absoluteDir();
     std::string modelFile = scene.modelFile;
     if (modelFile.empty()) {
         // The built-in scene has no model file yet: it goes next to the project.
         std::string error;
         const std::string base = oxFile::getBaseName(path);
-        if (!oxExampleScene::writeModel(folder.absolutePath().toStdString(), base, error)) {
+        if (!oxExampleScene::writeModel(oxPathText::fromQString(folder.absolutePath()), base,
+                                        error)) {
             oxLog::error("Can't save '%s': %s.", fileName.c_str(), error.c_str());
             return false;
         }
-        modelFile = folder.absoluteFilePath(QString::fromStdString(base + ".gltf")).toStdString();
+        modelFile =
+            oxPathText::fromQString(folder.absoluteFilePath(oxPathText::toQString(base + ".gltf")));
     }
 
     oxMessage& pluginProject = oxFileIO::getProject();
@@ -706,7 +711,8 @@ bool oxSceneIO::save(const std::string& fileName)
     pluginRecord.remove(kLoading);
 
     oxMessage project;
-    writeProject(scene, folder.relativeFilePath(QString::fromStdString(modelFile)).toStdString(),
+    writeProject(scene,
+                 oxPathText::fromQString(folder.relativeFilePath(oxPathText::toQString(modelFile))),
                  project);
     std::string pluginText;
     if (!oxMessageRW::write(pluginRecord, pluginText)) {

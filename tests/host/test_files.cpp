@@ -2,6 +2,7 @@
 #include "oxFileIO.h"
 #include "oxMessage.h"
 #include "oxMessageRW.h"
+#include "oxPathText.h"
 #include "oxPreferences.h"
 
 #include "oxTestSupport.h"
@@ -80,6 +81,21 @@ TEST_F(FileTest, AtomicWriteIntoAMissingFolderFailsCleanly)
     std::string error;
     EXPECT_FALSE(oxFile::writeAtomically(dir.file("no/such/folder/x.txt"), "x", &error));
     EXPECT_NE(error.find("temporary file"), std::string::npos) << error;
+}
+
+// File names cross QString with every byte kept: valid UTF-8 reads as that text, anything
+// else (stray, overlong, cut off, encoded surrogates, beyond U+10FFFF) comes back unchanged.
+TEST_F(FileTest, FileNamesKeepTheirBytesThroughQString)
+{
+    const char* const names[] = {"plain/ascii.png",  "caf\xc3\xa9/\xf0\x9f\x93\xb7.png",
+                                 "caf\xe9.png",      "\xc0\xaf../overlong",
+                                 "cut\xe2\x82",      "\xed\xa0\x80surrogate",
+                                 "\xf4\x90\x80\x80", "\xff\xfe\x80"};
+    for (const std::string name : names)
+        EXPECT_EQ(oxPathText::fromQString(oxPathText::toQString(name)), name);
+    EXPECT_EQ(oxPathText::toQString("caf\xc3\xa9"), QString::fromUtf8("caf\xc3\xa9"));
+    EXPECT_EQ(oxPathText::toQString("caf\xe9").size(), 4);
+    EXPECT_EQ(oxPathText::fromQString(QString::fromUtf8("\xf0\x9f\x93\xb7")), "\xf0\x9f\x93\xb7");
 }
 
 TEST_F(PreferencesTest, FolderEndsWithSeparatorAndDataRoundTrips)

@@ -6,7 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cstdio>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -125,4 +127,25 @@ TEST_F(HostileRunTest, WronglyTypedProjectValueIsOneLine)
               std::vector<std::string>{"[error] Can't open '" + dir.file("typed.oxp") +
                                        "': the entry 'fps' is missing or has the wrong type."});
     EXPECT_TRUE(linesWith(result.err, "Stack trace").empty()) << result.err;
+}
+
+// File names are bytes: a project in a folder whose name isn't UTF-8 finds its model, and a
+// snapshot of such a name is written and reported under exactly that name.
+TEST_F(HostileRunTest, FileNamesThatAreNotUtf8KeepTheirBytes)
+{
+    const std::string folder = dir.file("caf\xe9");
+    ASSERT_EQ(::mkdir(folder.c_str(), 0755), 0);
+    for (const char* name : {"showroom.oxp", "showroom.gltf", "showroom.bin"})
+        ASSERT_EQ(std::rename(dir.file(name).c_str(), (folder + "/" + name).c_str()), 0);
+    const std::string png = folder + "/sn\xffp.png";
+    // The test harness passes arguments as text; the shell makes the bytes from escapes.
+    const oxProcessResult result = oxRunProcess(
+        "/bin/sh", {"-c",
+                    "d=\"$2/caf$(printf '\\351')\"; exec \"$0\" --prefs-dir \"$1\" --no-gui "
+                    "\"$d/showroom.oxp\" --snapshot \"$d/sn$(printf '\\377')p.png\" --size 32x24",
+                    kOxlin, prefs.path(), dir.path()});
+    EXPECT_EQ(result.exitCode, 0) << result.err;
+    EXPECT_TRUE(oxFile::exists(png, true));
+    EXPECT_EQ(linesWith(result.out, "Wrote"), std::vector<std::string>{"Wrote '" + png + "'."})
+        << result.out;
 }
