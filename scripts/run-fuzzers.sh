@@ -11,11 +11,12 @@ build=$1
 seconds=$2
 root=$(cd "$(dirname "$0")/.." && pwd)
 declare -A corpus=([fuzz_message_rw]=message [fuzz_project]=project
-                   [fuzz_gltf_text]=gltf_text [fuzz_gltf_binary]=gltf_binary)
+                   [fuzz_gltf_text]=gltf_text [fuzz_gltf_binary]=gltf_binary
+                   [fuzz_preset_text]=preset_text)
 
 mkdir -p "$build/fuzz-artifacts"
 summary=()
-for harness in fuzz_message_rw fuzz_project fuzz_gltf_text fuzz_gltf_binary; do
+for harness in fuzz_message_rw fuzz_project fuzz_gltf_text fuzz_gltf_binary fuzz_preset_text; do
     seeds="$root/fuzz/corpus/${corpus[$harness]}"
     work="$build/fuzz-corpus/${corpus[$harness]}"
     log="$build/fuzz-artifacts/$harness.log"
