@@ -5,6 +5,7 @@
 #include "oxExampleScene.h"
 #include "oxFile.h"
 #include "oxFileIO.h"
+#include "oxFileRescue.h"
 #include "oxInputLimits.h"
 #include "oxLog.h"
 #include "oxMessage.h"
@@ -721,6 +722,16 @@ bool oxSceneIO::save(const std::string& fileName)
         return false;
     }
     project.set(key::kPluginRecord, pluginText, true);
+    // A file there that can't be read (damaged, or of a newer oxlin) may hold work that exists
+    // nowhere else: it is kept beside itself rather than replaced.
+    oxMessage existing;
+    if (oxFile::exists(path, true) && !oxMessageRW::read(existing, path.c_str(), std::string())) {
+        const std::string kept = oxFileRescue::keepBeside(path);
+        if (!kept.empty())
+            oxLog::warning("'%s' couldn't be read; it is kept as '%s' and the project is saved "
+                           "in its place.",
+                           fileName.c_str(), kept.c_str());
+    }
     if (!oxMessageRW::write(project, path.c_str())) {
         oxLog::error("Can't save '%s': the file can't be written (check the folder's permissions "
                      "and free space).",

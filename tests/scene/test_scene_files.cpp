@@ -235,6 +235,16 @@ TEST_F(SceneFilesTest, SavingTheBuiltInSceneWritesItsModel)
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(oxSceneIO::describe(*loaded), oxSceneIO::describe(oxScene::current()));
 
+    // Saving over a project file that can't be read keeps that file beside the new one.
+    const std::string damaged = "<oxMessage ox:format=\"1\"><floats n=\"cameraViews\">1 2";
+    ASSERT_TRUE(oxFile::writeAtomically(saved, damaged));
+    expectLog(oxLog::Warning, "'" + saved + "' couldn't be read; it is kept as '" + saved +
+                                  ".bad' and the project is saved in its place.");
+    expectLog(oxLog::Info, "Saved '" + saved + "'.");
+    ASSERT_TRUE(oxSceneIO::save(saved));
+    EXPECT_EQ(oxReadFile(saved + ".bad"), damaged);
+    EXPECT_NE(oxSceneIO::load(saved), nullptr);
+
     expectLog(oxLog::Error, "Can't save '" + dir.file("fresh/studio.txt") +
                                 "': projects are saved as .oxp files.");
     EXPECT_FALSE(oxSceneIO::save(dir.file("fresh/studio.txt")));
