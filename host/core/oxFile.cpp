@@ -182,19 +182,22 @@ bool oxFile::writeAtomically(const std::string& input, const std::string& data, 
 {
     // Through a symbolic link to its target, so that the link stays a link.
     const std::string path = oxPartialFiles::target(expandFilename(input));
-    const std::string folder = getFilePath(path);
-    std::string pattern =
-        (folder.empty() ? std::string(".") : folder) + "/." + getFileName(path) + ".tmp-XXXXXX";
     auto fail = [&](const char* what) {
         if (error)
             *error = std::string(what) + ": " + std::strerror(errno);
         return false;
     };
 
-    const int fd = ::mkstemp(pattern.data());
-    if (fd < 0)
+    // A partial file's name says which process writes it, so that one left by a process that
+    // was killed is removed by the next one writing there.
+    const std::string pattern = oxPartialFiles::begin(path);
+    const int fd = ::open(pattern.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    if (fd < 0) {
+        const int saved = errno;
+        oxPartialFiles::forget(pattern);
+        errno = saved;
         return fail("can't create a temporary file");
-    oxPartialFiles::track(pattern);
+    }
     // Every way out below removes the temporary, so it is no longer tracked after this.
     struct Untrack {
         const std::string& name;
