@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace {
 
@@ -123,10 +124,29 @@ oxScene& oxScene::current()
     return *currentScene();
 }
 
+namespace {
+std::map<int, std::function<void()>>& replaceListeners()
+{
+    static std::map<int, std::function<void()>> listeners;
+    return listeners;
+}
+} // namespace
+
+int oxScene::addReplaceListener(std::function<void()> listener)
+{
+    static int next = 0;
+    replaceListeners()[++next] = std::move(listener);
+    return next;
+}
+
+void oxScene::removeReplaceListener(int handle) { replaceListeners().erase(handle); }
+
 std::unique_ptr<oxScene> oxScene::replaceCurrent(std::unique_ptr<oxScene> scene)
 {
     // Commands on the undo stack hold nodes of the scene that goes.
     oxUndoStack::the()->clear();
+    for (auto& entry : replaceListeners())
+        entry.second();
     std::unique_ptr<oxScene> previous = std::move(currentScene());
     currentScene() = std::move(scene);
     return previous;

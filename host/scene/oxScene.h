@@ -4,6 +4,8 @@
 
 #include <QColor>
 
+#include <functional>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -105,6 +107,10 @@ public:
     static oxScene& current();
     /// Makes scene current and returns the previous one.
     static std::unique_ptr<oxScene> replaceCurrent(std::unique_ptr<oxScene> scene);
+    /// Calls listener on the GUI thread just before the current scene is replaced, so that
+    /// readers of the scene on other threads can stop. Returns a handle for removal.
+    static int addReplaceListener(std::function<void()> listener);
+    static void removeReplaceListener(int handle);
 
     /// Root above the model and the headlight.
     osg::NodePtr getSuperRoot() const { return m_superRoot.get(); }
