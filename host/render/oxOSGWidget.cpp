@@ -141,6 +141,11 @@ void oxOSGWidget::setSnapshotRuleOfThirds(bool enabled)
 }
 
 bool oxOSGWidget::getSnapshotFrame() { return state().snapshotFrame; }
+std::array<int, 2> oxOSGWidget::getSnapshotFrameSize()
+{
+    return {{state().snapshotWidth, state().snapshotHeight}};
+}
+std::array<int, 5> oxOSGWidget::getSnapshotInnerFrameInsets() { return state().innerFrame; }
 bool oxOSGWidget::getSnapshotInnerFrame() { return state().snapshotInnerFrame; }
 bool oxOSGWidget::getSnapshotRenderRegionFrame() { return state().snapshotRegionFrame; }
 bool oxOSGWidget::getSnapshotRuleOfThirds() { return state().snapshotRuleOfThirds; }
@@ -221,6 +226,13 @@ int oxOSGWidget::addListener(oxServiceListeners::Listener listener)
 }
 
 void oxOSGWidget::removeListener(int handle) { listeners().remove(handle); }
+
+void oxOSGWidget::cancelAntialiasing()
+{
+    oxTraceCall("oxOSGWidget::cancelAntialiasing");
+    // The view listens and stops its refinement; an export then has the raytracer to itself.
+    listeners().notify(cancelAntialiasingNotice);
+}
 
 oxOSGWidget* oxOSGWidget::getMGLW(int index)
 {

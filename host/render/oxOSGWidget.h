@@ -84,6 +84,10 @@ public:
     static void setSnapshotRenderRegionFrame(bool enabled, int x0, int x1, int y0, int y1);
     static void setSnapshotRuleOfThirds(bool enabled);
     static bool getSnapshotFrame();
+    /// The snapshot frame's image size (width, height) and the inner frame's insets (left,
+    /// right, bottom, top, 1 when relative).
+    static std::array<int, 2> getSnapshotFrameSize();
+    static std::array<int, 5> getSnapshotInnerFrameInsets();
     static bool getSnapshotInnerFrame();
     static bool getSnapshotRenderRegionFrame();
     static bool getSnapshotRuleOfThirds();
@@ -107,8 +111,10 @@ public:
     /// Null for any other index: this host has one view.
     static oxOSGWidget* getMGLW(int index);
 
-    /// Stops the view's ongoing refinement, so that an export starts from a still view.
+    /// Stops the view's ongoing refinement, so that an export starts from a still view: the
+    /// listeners hear cancelAntialiasingNotice, and the view stops before this returns.
     static void cancelAntialiasing();
+    static constexpr const char* cancelAntialiasingNotice = "CancelAntialiasing";
     /// The region the raytracer renders, relative to the image with y running up from the
     /// bottom (x start, y start, x end, y end). Off renders the whole image again.
     void setRenderRegion(bool enabled, float x0, float y0, float x1, float y1);

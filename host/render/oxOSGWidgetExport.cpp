@@ -4,13 +4,6 @@
 #include "oxOSGWidget.h"
 #include "oxRenderParameter.h"
 
-void oxOSGWidget::cancelAntialiasing()
-{
-    // The view refines only between user interactions; an export renders its own images, so
-    // there is nothing to stop beyond telling the trace that it was asked.
-    oxTraceCall("oxOSGWidget::cancelAntialiasing");
-}
-
 void oxOSGWidget::setRenderRegion(bool enabled, float x0, float y0, float x1, float y1)
 {
     oxTraceCall("oxOSGWidget::setRenderRegion", enabled, x0, y0, x1, y1);
