@@ -4,6 +4,7 @@
 #include "oxController.h"
 #include "oxPlatform.h"
 #include "oxPreferencesDialog.h"
+#include "oxRenderView.h"
 #include "oxScene.h"
 #include "oxSceneIO.h"
 #include "oxScriptEditor.h"
@@ -11,7 +12,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QFileDialog>
@@ -51,11 +51,8 @@ oxMainWindow::oxMainWindow(QWidget* parent) : QMainWindow(parent)
     preferences->setMenuRole(QAction::PreferencesRole);
     connect(preferences, &QAction::triggered, this, [this] { showPreferences(); });
 
-    auto* view = new QLabel(tr("Render view"), this);
-    view->setObjectName(QStringLiteral("renderView"));
-    view->setAlignment(Qt::AlignCenter);
-    view->setMinimumSize(320, 240);
-    setCentralWidget(view);
+    m_renderView = new oxRenderView(this);
+    setCentralWidget(m_renderView);
 
     m_windowMenu = menuBar()->addMenu(tr("&Window"));
     m_windowMenu->setObjectName(QStringLiteral("Window"));
@@ -142,6 +139,8 @@ void oxMainWindow::saveSceneAs()
 oxScriptEditor* oxMainWindow::scriptEditor() const { return m_scriptEditor; }
 
 oxVariantSetBrowser* oxMainWindow::variantSetBrowser() const { return m_variantSetBrowser; }
+
+oxRenderView* oxMainWindow::renderView() const { return m_renderView; }
 
 int oxMainWindow::showPreferences(const QString& page)
 {

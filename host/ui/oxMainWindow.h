@@ -6,6 +6,7 @@
 class QMenu;
 class QToolBar;
 class QOXDockWindowManager;
+class oxRenderView;
 class oxScriptEditor;
 class oxVariantSetBrowser;
 
@@ -29,6 +30,8 @@ public:
     oxScriptEditor* scriptEditor() const;
     /// The scene's variant sets, docked as "VariantSets" (hidden until chosen).
     oxVariantSetBrowser* variantSetBrowser() const;
+    /// The central view of the scene through the raytracer.
+    oxRenderView* renderView() const;
     /// Edit > Preferences: the preferences dialog, modal, showing page when it is named.
     /// Gives the dialog's result (QDialog::Accepted after OK).
     int showPreferences(const QString& page = QString());
@@ -47,4 +50,5 @@ private:
     QOXDockWindowManager* m_dockWindowManager = nullptr;
     QPointer<oxScriptEditor> m_scriptEditor;
     QPointer<oxVariantSetBrowser> m_variantSetBrowser;
+    oxRenderView* m_renderView = nullptr;
 };
