@@ -4,12 +4,16 @@
 // the host's Script Editor after a run, the preferences dialog on the Render Settings page, the
 // Render Queue dock after a run of its jobs, the view chooser's menu, the photometric switch's
 // question and the preset edit dialog.
+// the main window's render view on the example scene (plain, and with a render region drawn),
+// the host's Script Editor after a run, and the preferences dialog on the Render Settings page.
 //
 // Usage: oxscreenshots [OUTPUT_DIR]   (default: screenshots)
 
 #include "QOXCollapsibleFrame.h"
 #include "QOXDockWindowManager.h"
 #include "oxImageSource.h"
+#include "oxOSGWidget.h"
+#include "oxController.h"
 #include "oxMainWindow.h"
 #include "oxMenuComboBox.h"
 #include "oxPlatform.h"
@@ -18,6 +22,7 @@
 #include "oxRaytracerSource.h"
 #include "oxRenderQueue.h"
 #include "oxRenderSettings.h"
+#include "oxRenderView.h"
 #include "oxSceneIO.h"
 #include "oxScript.h"
 #include "oxScriptEditor.h"
@@ -27,6 +32,10 @@
 #include <QFile>
 #include <QMessageBox>
 #include <QPainter>
+#include <QMouseEvent>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 #include <QPlainTextEdit>
 #include <QScrollArea>
 #include <QTabWidget>
@@ -234,6 +243,45 @@ bool saveViewAndDialogs(oxRenderSettings& window, const QDir& dir)
     return ok;
 }
 
+// The main window's render view on the example scene once refined, then with the region tool
+// on, a region drawn and the rule of thirds over it.
+bool saveRenderView(oxMainWindow& mainWindow, const QDir& dir)
+{
+    oxSceneIO::newScene();
+    oxOSGWidget::setImageSamples(16);
+    oxRenderView* view = mainWindow.renderView();
+    auto settle = [view] {
+        QElapsedTimer clock;
+        clock.start();
+        while ((view->isRefining() || view->isTransitioning()) && clock.elapsed() < 120000) {
+            QEventLoop loop;
+            QTimer::singleShot(20, &loop, &QEventLoop::quit);
+            loop.exec();
+        }
+    };
+    settle();
+    bool ok = save(&mainWindow, dir, QStringLiteral("main_window_render_view"));
+    view->setRegionToolActive(true);
+    const QSize size = view->renderSize();
+    const QPoint from(size.width() / 4, size.height() / 4);
+    const QPoint to(size.width() * 3 / 4, size.height() * 3 / 4);
+    QMouseEvent press(QEvent::MouseButtonPress, from, Qt::LeftButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, to, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent release(QEvent::MouseButtonRelease, to, Qt::LeftButton, Qt::NoButton,
+                        Qt::NoModifier);
+    QApplication::sendEvent(view, &press);
+    QApplication::sendEvent(view, &move);
+    QApplication::sendEvent(view, &release);
+    oxOSGWidget::setSnapshotRuleOfThirds(true);
+    settle();
+    ok = save(view, dir, QStringLiteral("render_view_region")) && ok;
+    view->setRegionToolActive(false);
+    oxOSGWidget::setSnapshotRuleOfThirds(false);
+    oxOSGWidget::invalidateRenderRegion(oxOSGWidget::getMGLW(-1));
+    return ok;
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -280,6 +328,7 @@ int main(int argc, char** argv)
     }
     ok = saveVariantSets(mainWindow, *window, dir) && ok;
     ok = saveViewAndDialogs(*window, dir) && ok;
+    ok = saveRenderView(mainWindow, dir) && ok;
     ok = saveScriptEditor(mainWindow, dir) && ok;
     ok = savePreferences(mainWindow, dir) && ok;
     ok = saveRenderQueue(mainWindow, *window, dir) && ok;
