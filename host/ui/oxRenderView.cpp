@@ -28,6 +28,10 @@ constexpr float kZoomPerNotch = 0.1f;
 constexpr float kZoomPerPixel = 0.005f;
 // Fly step per key press, as a fraction of the scene's radius.
 constexpr float kFlyStep = 0.05f;
+// Previews: the size divisor's range, and the latencies (ms) that make it coarser or finer.
+constexpr int kMaxPreviewDivisor = 4;
+constexpr double kPreviewSlowMs = 30.0;
+constexpr double kPreviewFastMs = 10.0;
 // Pixels around a region edge that grab the edge.
 constexpr int kEdgeGrab = 6;
 
@@ -218,7 +222,7 @@ void oxRenderView::restart()
     const bool moving = m_drag == Drag::Orbit || m_drag == Drag::Pan || m_drag == Drag::Zoom ||
                         m_transition.isActive() ||
                         (m_lastMove.isValid() && m_lastMove.elapsed() < kSettleMs);
-    request.previewDivisor = moving ? 2 : 1;
+    request.previewDivisor = moving ? m_previewDivisor : 1;
     m_generation = m_session->start(request);
 }
 
@@ -230,6 +234,14 @@ void oxRenderView::showLatestFrame()
     if (frame.generation == m_frameInfo.generation && frame.samples == m_frameInfo.samples &&
         frame.preview == m_frameInfo.preview)
         return; // this frame is on screen already
+    if (frame.preview) {
+        // Previews keep within a frame of the display: coarser when they come late, finer
+        // again when there is time to spare.
+        if (frame.milliseconds > kPreviewSlowMs && m_previewDivisor < kMaxPreviewDivisor)
+            ++m_previewDivisor;
+        else if (frame.milliseconds < kPreviewFastMs && m_previewDivisor > 2)
+            --m_previewDivisor;
+    }
     m_image = displayImage(frame);
     m_frameInfo = std::move(frame);
     updateStatus();

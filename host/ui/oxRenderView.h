@@ -27,7 +27,8 @@ class QLabel;
 /// removes it. The region goes to oxOSGWidget in view pixels, and the named function
 /// "renderRegionChanged" is called.
 ///
-/// While the camera moves the first image comes at half the size with one sample; once still
+/// While the camera moves the first image comes at half the size (a quarter when that is too
+/// slow) with one sample; once still
 /// the view refines to oxOSGWidget's image samples. Any change of the scene starts the render
 /// over; a jump of the active camera that the view didn't make itself (a viewpoint or camera
 /// activated elsewhere) is played as a short transition.
@@ -118,6 +119,7 @@ private:
     QElapsedTimer m_lastMove;
     QTimer m_settle;
     float m_radius = -1.0f;
+    int m_previewDivisor = 2;
 
     // The camera as the view last left it, to tell its own moves from jumps made elsewhere.
     osg::UInt32 m_camera = 0;
