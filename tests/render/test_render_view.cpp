@@ -260,6 +260,7 @@ TEST_F(oxRenderViewTest, RegionToolKeepsTheRecordsRegion)
         ASSERT_TRUE(oxOSGWidget::hasValidRegion());
         EXPECT_EQ(oxOSGWidget::getUserDefinedRenderRegion(), expected);
     };
+    const oxViewPose pose = oxRenderView::cameraPose();
     drag({20, 10}, {100, 70}, Qt::LeftButton);
     expectRegion({20, 10, 100, 70});
     int x0, x1, y0, y1;
@@ -270,8 +271,9 @@ TEST_F(oxRenderViewTest, RegionToolKeepsTheRecordsRegion)
     expectRegion({30, 15, 110, 75});
     drag({110, 40}, {130, 40}, Qt::LeftButton); // right edge: resizes
     expectRegion({30, 15, 130, 75});
-    // The camera stays put while the tool is on.
     EXPECT_EQ(regionCalls, 3);
+    // The camera stays put while the tool is on.
+    EXPECT_EQ(oxRenderView::cameraPose().position, pose.position);
 
     key(Qt::Key_Delete);
     EXPECT_FALSE(oxOSGWidget::hasValidRegion());
