@@ -10,6 +10,9 @@ struct oxImageLayer {
     const float* rgba = nullptr;
     /// Cryptomatte layers are always written as 32-bit float RGBA: their channels hold ids.
     bool cryptomatte = false;
+    /// Data layers (depth, normals, positions, ids, masks) hold measurements, not colours:
+    /// integer formats store them as they are, never through the display curve.
+    bool data = false;
 };
 
 /// How layers become the bytes of one image file.
@@ -33,6 +36,9 @@ struct oxEncodeSettings {
     float ppi = -1.0f;
     /// An ICC profile to embed where the format can hold one.
     std::string iccProfile;
+    /// The display curve of colour layers in integer formats (oxDisplayCurve::table); empty
+    /// to store linear values. Float formats always store linear values.
+    std::vector<float> displayCurve;
     /// An XMP packet to embed (PNG, JPEG, TIFF, EXR).
     std::string xmp;
     /// Further string attributes (EXR header entries, PNG text); Cryptomatte keys go here.

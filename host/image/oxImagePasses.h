@@ -88,4 +88,9 @@ static_assert(cryptoMaterialFirst == cryptoObjectFirst + cryptoLayersPerType &&
               "the Cryptomatte layers of a type follow each other");
 bool isCryptomatte(unsigned id);
 
+/// True for the passes that hold measurements rather than colours (depth, normals, positions,
+/// vectors, ids, masks, occlusion, Cryptomatte): image files store them as they are, never
+/// through a display curve.
+bool isData(unsigned id);
+
 } // namespace oxImagePasses

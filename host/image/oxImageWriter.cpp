@@ -3,6 +3,7 @@
 #include "oxCallTrace.h"
 #include "oxController.h"
 #include "oxCryptomatte.h"
+#include "oxDisplayCurve.h"
 #include "oxExportProgress.h"
 #include "oxFile.h"
 #include "oxImageEncoder.h"
@@ -139,8 +140,9 @@ struct oxImageWriter::Job {
     bool tonemapHDR = false;
     int64_t objectId = -1;
     std::string iccProfile;
-    size_t index = 0;     // of the frame being rendered
-    bool stopped = false; // a cancel was heard during the running image
+    std::vector<float> displayCurve; // of the profile written, for integer formats
+    size_t index = 0;                // of the frame being rendered
+    bool stopped = false;            // a cancel was heard during the running image
     std::unique_ptr<oxExportProgress> progress;
     std::unique_ptr<oxMovieWriter> movieWriter;
 };
@@ -547,6 +549,10 @@ bool oxImageWriter::run(Job& job)
                            file.c_str(), key, problem.c_str(), shown.c_str());
     }
 
+    // Integer files are display-referred: they follow the curve of the profile they carry,
+    // and sRGB's when they carry none, as viewers assume then.
+    job.displayCurve = oxDisplayCurve::fromICCProfile(job.iccProfile).table();
+
     InterruptGuard interrupt(oxController::isNoGUI());
     job.progress = std::make_unique<oxExportProgress>(
         !m_noProgress, job.frames.size(), QObject::tr("Rendering %1").arg(job.filename));
@@ -718,13 +724,15 @@ bool oxImageWriter::writeUnit(Job& job, const oxRenderedImage& image, const QStr
         settings.multiLayer = passes.size() > 1;
         settings.ppi = m_dpi;
         settings.iccProfile = job.iccProfile;
+        settings.displayCurve = job.displayCurve;
         if (m_metaDataFlags != 0)
             settings.xmp = m_metaData.buildXMP(m_metaDataFlags, image.cameraData);
         std::vector<oxImageLayer> layers;
         bool objects = false, materials = false;
         for (unsigned id : passes) {
             const bool crypto = oxImagePasses::isCryptomatte(id);
-            layers.push_back({oxImagePasses::name(id), image.find(id)->rgba.data(), crypto});
+            layers.push_back({oxImagePasses::name(id), image.find(id)->rgba.data(), crypto,
+                              oxImagePasses::isData(id)});
             objects |= crypto && id < oxImagePasses::cryptoMaterialFirst;
             materials |= crypto && id >= oxImagePasses::cryptoMaterialFirst;
         }

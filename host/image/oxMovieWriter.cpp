@@ -1,5 +1,7 @@
 #include "oxMovieWriter.h"
 
+#include "oxDisplayCurve.h"
+
 #include "oxImageEncoder.h"
 #include "oxPartialFiles.h"
 
@@ -165,12 +167,15 @@ bool oxMovieWriter::addFrame(const float* rgba, std::string& error)
         error = "out of memory for a movie frame";
         return false;
     }
+    // Movie frames are display-referred, as every 8-bit image is.
+    static const oxDisplayCurve curve = oxDisplayCurve::sRGB();
     for (size_t y = 0; y < size_t(m_height); ++y) {
         const float* in = rgba + y * size_t(m_width) * 4;
         uint8_t* out = rgb.get() + y * stride;
         for (size_t x = 0; x < size_t(m_width); ++x)
             for (size_t c = 0; c < 3; ++c)
-                out[x * 3 + c] = uint8_t(std::clamp(in[x * 4 + c], 0.0f, 1.0f) * 255.0f + 0.5f);
+                out[x * 3 + c] =
+                    uint8_t(oxApplyDisplayCurve(curve.table(), in[x * 4 + c]) * 255.0f + 0.5f);
     }
     int result = av_frame_make_writable(m_frame);
     if (result < 0) {

@@ -105,8 +105,11 @@ void PassAccumulator::accumulate(PixelSums& sums, CoverageLists& lists, const Sa
     if (m_needs.view)
         sums.view = sums.view + result.view * aw;
     sums.occlusion += result.occlusion * aw;
-    if (!result.hit)
+    if (!result.hit) {
+        if (m_needs.behind)
+            sums.behind = sums.behind + result.background * w;
         return;
+    }
     Vec3 beauty = result.beauty;
     if (m_clampValue > 0.0f)
         for (float& c : beauty)
@@ -145,12 +148,18 @@ void PassAccumulator::finish(oxRenderedImage& image, int x, int y, const PixelSu
         float* pixel = pass.rgba.data() + index;
         switch (pass.passId) {
         case oxImagePasses::Beauty: {
+            // Without alpha the camera sees the environment past the objects. With
+            // premultiplied alpha the background colour is the matte the colours are
+            // premultiplied against: black gives the usual colour times coverage.
             const Vec3 premultiplied = sums.beauty * norm;
+            const Vec3 matte{m_alphaColor[0], m_alphaColor[1], m_alphaColor[2]};
             if (!m_alpha) {
-                const Vec3 behind{m_alphaColor[0], m_alphaColor[1], m_alphaColor[2]};
-                put(pixel, premultiplied + behind * (1.0f - coverage), 1.0f);
+                put(pixel,
+                    premultiplied +
+                        (m_needs.behind ? sums.behind * norm : matte * (1.0f - coverage)),
+                    1.0f);
             } else if (m_premultiply) {
-                put(pixel, premultiplied, coverage);
+                put(pixel, premultiplied + matte * (1.0f - coverage), coverage);
             } else {
                 put(pixel, coverage > 0.0f ? premultiplied * (1.0f / coverage) : Vec3{0, 0, 0},
                     coverage);

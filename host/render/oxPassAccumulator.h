@@ -22,6 +22,7 @@ struct PixelSums {
     float hitAbsWeight = 0.0f; // hit samples, |weights|
     Vec3 beauty{0, 0, 0};      // hit samples, signed
     Vec3 background{0, 0, 0};  // all samples
+    Vec3 behind{0, 0, 0};      // missed samples, signed: the environment past the objects
     Vec3 view{0, 0, 0};        // all samples
     float occlusion = 0.0f;    // all samples
     Vec3 albedo{0, 0, 0}, normal{0, 0, 0}, cameraNormal{0, 0, 0}, position{0, 0, 0},
@@ -52,6 +53,9 @@ void forEachKeptSum(PixelSums& sums, const PassNeeds& needs, Visit&& visit)
             visit(c);
     if (needs.view)
         for (float& c : sums.view)
+            visit(c);
+    if (needs.behind)
+        for (float& c : sums.behind)
             visit(c);
     if (needs.occlusion)
         visit(sums.occlusion);

@@ -227,7 +227,7 @@ void RenderContext::shade(const Vec3& direction, const PrimaryHit& hit, const Sa
                           float time, SampleResult& result) const
 {
     result.view = direction * -1.0f;
-    if (needs.background)
+    if (needs.background || needs.behind)
         result.background = environmentColor(snapshot->environment, direction);
     if (!hit.hit)
         return;

@@ -81,6 +81,7 @@ struct PassNeeds {
     bool data = false; // any pass of the surface's data (albedo, normal, depth, ...)
     bool background = false;
     bool view = false;
+    bool behind = false; // the environment shows behind the beauty's uncovered parts
 };
 
 // Everything the tiles share during one render.

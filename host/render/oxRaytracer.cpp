@@ -290,6 +290,7 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     context.occlusionRays = std::clamp(64 / samples, 1, 16);
     context.needs = passNeeds(settings.passIds);
     context.exposure = settings.exposure;
+    context.needs.behind = context.needs.beauty && !settings.alpha && snapshot.environment;
 
     std::vector<std::string> materialNames, objectNames;
     context.loadMaterials(snapshot, materialNames);

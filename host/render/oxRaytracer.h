@@ -84,8 +84,11 @@ public:
         float filterHeight = 1.0f;
         /// Relative, y up: x start, y start, x end, y end.
         oxRenderRegion region{0.0f, 0.0f, 1.0f, 1.0f};
+        /// Without alpha the environment fills the beauty behind the objects (the colour
+        /// where the scene has none); with premultiplied alpha, colours are premultiplied
+        /// against alphaColor (black: colour times coverage).
         bool alpha = false;
-        std::array<float, 3> alphaColor{1.0f, 1.0f, 1.0f};
+        std::array<float, 3> alphaColor{0.0f, 0.0f, 0.0f};
         bool premultiply = false;
         bool clamping = true;
         float clampValue = 16.0f;

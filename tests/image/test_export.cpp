@@ -1,3 +1,4 @@
+#include "oxDisplayCurve.h"
 #include "oxExampleScene.h"
 #include "oxFile.h"
 #include "oxImageWriterTest.h"
@@ -60,6 +61,21 @@ std::set<std::string> fileNames(const QStringList& paths)
     return names;
 }
 
+bool isInteger(const ReadBack& image)
+{
+    return image.spec.format == TypeDesc::UINT8 || image.spec.format == TypeDesc::UINT16;
+}
+
+// The pattern as a file of that sample format holds it: integer files hold colours through
+// the sRGB curve, data passes and alpha as they are.
+float expected(const ReadBack& image, int x, int y, int c, unsigned pass, int frame)
+{
+    const float value = oxPatternSource::value(x, y, c, pass, frame);
+    return isInteger(image) && c < 3 && !oxImagePasses::isData(pass)
+               ? oxDisplayCurve::sRGBEncode(value)
+               : value;
+}
+
 // Largest difference between the file and the pattern over the channels the file holds.
 float patternError(const ReadBack& image, unsigned pass, int frame, int channels)
 {
@@ -70,7 +86,7 @@ float patternError(const ReadBack& image, unsigned pass, int frame, int channels
             for (int c = 0; c < channels; ++c)
                 worst = std::max(
                     worst, std::fabs(image.pixels[size_t((y * image.spec.width + x) * n + c)] -
-                                     oxPatternSource::value(x, y, c, pass, frame)));
+                                     expected(image, x, y, c, pass, frame)));
     return worst;
 }
 
@@ -131,7 +147,7 @@ TEST_F(ImageExport, EveryWritableFormatRoundTripsPixelsAndAlpha)
                 double got = 0.0, want = 0.0;
                 for (int p = 0; p < 64 * 48; ++p) {
                     got += image.pixels[size_t(p * image.spec.nchannels + c)];
-                    want += oxPatternSource::value(p % 64, p / 64, c, 0, 0);
+                    want += expected(image, p % 64, p / 64, c, 0, 0);
                 }
                 EXPECT_NEAR(got / (64 * 48), want / (64 * 48), 0.03) << extension << " " << c;
             }
@@ -169,6 +185,36 @@ TEST_F(ImageExport, ChannelsAndSampleFormatsFollowTheSwitches)
     EXPECT_EQ(write("hdr.tif", 1).spec.format, TypeDesc::FLOAT);
     writer.resetExportSettings();
     EXPECT_EQ(write("hdr.tif", 1).spec.format, TypeDesc::UINT8);
+}
+
+// Integer files are display-referred through the curve of the profile they carry; float files
+// and data passes keep the renderer's values.
+TEST_F(ImageExport, IntegerFilesHoldDisplayValuesOfColourPassesOnly)
+{
+    activate({oxImagePasses::Beauty, oxImagePasses::Depth});
+    ASSERT_TRUE(still(dir.file("curve.png"), 16, 8, 1, true));
+    const ReadBack beauty = readImage(dir.file("curve.beauty.png"));
+    const ReadBack depth = readImage(dir.file("curve.depth.png"));
+    ASSERT_TRUE(beauty.ok && depth.ok);
+    // Pixel (1, 0) of the beauty's red is 7/255 linear: far from its sRGB code value.
+    const float linear = oxPatternSource::value(1, 0, 0, oxImagePasses::Beauty, 0);
+    EXPECT_NEAR(beauty.pixels[4], oxDisplayCurve::sRGBEncode(linear), 0.5f / 255.0f);
+    EXPECT_GT(std::fabs(beauty.pixels[4] - linear), 0.05f);
+    EXPECT_LE(patternError(beauty, oxImagePasses::Beauty, 0, 4), 0.5f / 255.0f);
+    EXPECT_LE(patternError(depth, oxImagePasses::Depth, 0, 4), 0.5f / 255.0f);
+
+    writer.setExportExrHalf(false);
+    ASSERT_TRUE(still(dir.file("curve.exr"), 16, 8, 1, true));
+    EXPECT_EQ(patternError(readImage(dir.file("curve.beauty.exr")), oxImagePasses::Beauty, 0, 4),
+              0.0f);
+
+    // Adobe RGB (1998) has a pure power curve of 563/256.
+    writer.setICCProfile(2);
+    activate({});
+    ASSERT_TRUE(still(dir.file("adobe.png")));
+    const ReadBack adobe = readImage(dir.file("adobe.png"));
+    ASSERT_TRUE(adobe.ok);
+    EXPECT_NEAR(adobe.pixels[4], std::pow(linear, 256.0f / 563.0f), 1.0f / 255.0f);
 }
 
 TEST_F(ImageExport, MultiLayerExrHasAChannelSetPerPass)

@@ -208,11 +208,20 @@ TEST_F(oxRaytracerTest, AlphaColourAndPremultiplicationFollowTheCoverage)
     }
     EXPECT_GT(edges, 0);
 
-    s.alpha = false;
+    // A background colour is the matte the colours are premultiplied against.
     s.alphaColor = {0.25f, 0.5f, 0.75f};
+    const oxRenderedImage matted = render(s);
+    const std::vector<float>& matte = matted.find(Beauty)->rgba;
+    for (size_t i = 0; i < straight.size(); i += 4)
+        EXPECT_NEAR(matte[i + 2], multiplied[i + 2] + 0.75f * (1.0f - straight[i + 3]), 1e-4f);
+
+    // Without alpha the camera sees the environment past the objects, whatever the colour.
+    s.alpha = false;
     const oxRenderedImage behind = render(s);
     const float* sky = pixel(behind, Beauty, kSkyX, kSkyY);
-    EXPECT_EQ(std::vector<float>(sky, sky + 4), (std::vector<float>{0.25f, 0.5f, 0.75f, 1.0f}));
+    for (int c = 0; c < 3; ++c)
+        EXPECT_NEAR(sky[c], background[c], 1e-5f);
+    EXPECT_EQ(sky[3], 1.0f);
 }
 
 TEST_F(oxRaytracerTest, PixelsOutsideTheRegionStayEmpty)
@@ -422,11 +431,11 @@ TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImageOrRefusesAndWritesNothing)
     ASSERT_TRUE(input);
     EXPECT_EQ(input->spec().width, 40);
     EXPECT_EQ(input->spec().height, 30);
-    // Sky behind the car is the white alpha colour; the floor in front is lit and not white.
+    // Sky behind the car is the environment's blue; the floor in front is lit and not white.
     const size_t channels = size_t(input->spec().nchannels);
     std::vector<float> pixels(40 * 30 * channels);
     ASSERT_TRUE(input->read_image(0, 0, 0, int(channels), OIIO::TypeDesc::FLOAT, pixels.data()));
-    EXPECT_EQ(pixels[0], 1.0f);
+    EXPECT_GT(pixels[2], pixels[0] + 0.1f);
     EXPECT_LT(pixels[(29 * 40 + 1) * channels], 1.0f);
 
     const std::string refused = dir.file("x.png");

@@ -2,6 +2,7 @@
 // loads on the first image it encodes. OpenImageIO brings in some 250 shared libraries, whose
 // loading would otherwise cost every start of the program about half a second.
 
+#include "oxDisplayCurve.h"
 #include "oxImageCodec.h"
 
 #include <OpenImageIO/filesystem.h>
@@ -225,8 +226,22 @@ bool writeLayers(ImageOutput& out, const std::string& target, const std::string&
                 return false;
             }
         }
+        // Integer files hold display-referred code values: colour layers pass through the
+        // display curve on the way; data layers and float files keep their values.
+        const float* pixels = layers[i].rgba;
+        std::vector<float> encoded;
+        const bool integer = specs[i].format.basetype == TypeDesc::UINT8 ||
+                             specs[i].format.basetype == TypeDesc::UINT16;
+        if (integer && !settings.displayCurve.empty() && !layers[i].data &&
+            !layers[i].cryptomatte) {
+            encoded.assign(pixels, pixels + size_t(width) * size_t(height) * 4);
+            for (size_t p = 0; p < encoded.size(); p += 4)
+                for (size_t c = 0; c < 3; ++c)
+                    encoded[p + c] = oxApplyDisplayCurve(settings.displayCurve, encoded[p + c]);
+            pixels = encoded.data();
+        }
         // The stride skips alpha when only three channels are written.
-        if (!out.write_image(TypeDesc::FLOAT, layers[i].rgba, 4 * sizeof(float))) {
+        if (!out.write_image(TypeDesc::FLOAT, pixels, 4 * sizeof(float))) {
             error = describe(out.geterror());
             return false;
         }
