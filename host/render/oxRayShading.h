@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oxPixelFilterKernels.h"
+#include "oxRayBSDF.h"
 #include "oxRayMath.h"
 #include "oxRaytracer.h"
 #include "oxSampleSequence.h"
@@ -17,22 +18,6 @@
 // Shading: what the raytracer takes from the scene's materials, objects and lights, and what a
 // camera sample sees where its primary ray ends.
 namespace oxRay {
-
-struct ShadeMaterial {
-    Vec3 albedo{0.8f, 0.8f, 0.8f};
-    Vec3 diffuse{0.8f, 0.8f, 0.8f};
-    Vec3 specular{0.04f, 0.04f, 0.04f};
-    float shininess = 20.0f;
-    float roughness = 0.5f;
-    // The BRDF bits of the material's render mode: Schlick's Fresnel towards the glossy
-    // colour's hue, and the energy preserving GGX lobe that takes the reflected share from the
-    // diffuse term.
-    bool fresnel = false;
-    bool ggx = false;
-    Vec3 emission{0, 0, 0};
-    Vec3 idColor{0.5f, 0.5f, 0.5f};
-    float cryptoId = 0.0f;
-};
 
 struct ShadeLight {
     osg::Light::Type type = osg::Light::Directional;
@@ -69,7 +54,29 @@ struct PrimaryHit {
     bool hit = false;
     float distance = 0.0f;
     uint32_t primitive = 0;
-    Vec3 normal{0, 0, 1}; // geometric, not normalised
+    Vec3 normal{0, 0, 1};     // geometric, not normalised
+    float u = 0.0f, v = 0.0f; // barycentric coordinates of the hit in its triangle
+};
+
+// Which light paths an illumination mode traces.
+struct IlluminationMode {
+    bool shadows = true;      // lights cast shadows
+    bool iblOcclusion = true; // the environment is shadowed by the scene
+    bool reflections = true;  // glossy and glass surfaces show the scene
+    bool indirect = true;     // diffuse surfaces are lit by the scene (global illumination)
+
+    /// The mode of a mode number: -1 precomputed, 0 with reflections, 1 with shadows, 2 with
+    /// image-based light, 3 full global illumination.
+    static IlluminationMode of(int mode);
+};
+
+// A surface point a ray found.
+struct SurfacePoint {
+    Vec3 point{0, 0, 0};
+    Vec3 geometric{0, 0, 1}; // unit, facing where the ray came from
+    Vec3 shading{0, 0, 1};   // unit, interpolated from the vertex normals, same side
+    bool front = true;       // the ray meets the triangle's front (counter-clockwise) side
+    uint32_t triangle = 0;
 };
 
 // Which passes a render needs, by what they cost.
@@ -100,6 +107,8 @@ struct RenderContext {
     const std::vector<std::vector<uint32_t>>* triangleOf = nullptr;
     bool motion = false;   // samples carry a time within the shutter interval
     float exposure = 1.0f; // display values per unit of light and incandescence
+    IlluminationMode mode;
+    int traceDepth = 16; // surfaces a path visits at most
 
     // The snapshot's triangle that a primitive of a geometry stands for.
     uint32_t triangle(unsigned geometry, unsigned primitive) const
@@ -119,9 +128,16 @@ struct RenderContext {
 
     bool occluded(const Vec3& origin, const Vec3& direction, float distance, float time) const;
 
-    // Diffuse and highlight from every light, with one shadow ray each.
-    Vec3 directLight(const Vec3& point, const Vec3& normal, const Vec3& toEye,
-                     const ShadeMaterial& material, const Sampler& sampler, float time) const;
+    // The surface point of a hit: geometric and smooth normals facing the ray's origin.
+    SurfacePoint surfaceAt(const Vec3& origin, const Vec3& direction, float distance,
+                           uint32_t triangle, const Vec3& geometric, float u, float v) const;
+    // The first surface along a ray; false when it escapes.
+    bool trace(const Vec3& origin, const Vec3& direction, float time, SurfacePoint& hit) const;
+    // The light a path from the camera carries back from its first surface: emission, light
+    // and environment sampled at each surface and combined with the surface's own samples by
+    // multiple importance sampling, as the illumination mode and trace depth allow.
+    Vec3 pathRadiance(const Vec3& direction, const SurfacePoint& first, const Sampler& sampler,
+                      float time) const;
 
     // The primary ray through direction, clipped to the camera's near and far distances.
     void primaryRay(const Vec3& direction, float& tnear, float& tfar) const

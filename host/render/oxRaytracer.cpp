@@ -168,6 +168,8 @@ oxRaytracer::Settings oxRaytracer::Settings::fromHost(int width, int height, boo
     settings.tileSize = oxRaytracingManager::getMaxClusterTileSize();
     if (oxRenderParameter::getPBParameters())
         settings.exposure = 1.0f / std::max(1e-6f, oxRenderParameter::getDisplayLuminance());
+    settings.illuminationMode = oxRenderParameter::getStillFrameQualityMode();
+    settings.traceDepth = oxRenderParameter::getStillFrameReflectionDepth();
     return settings;
 }
 
@@ -288,6 +290,8 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     context.filter = &filterSampler;
     const int samples = std::max(1, settings.samples);
     context.occlusionRays = std::clamp(64 / samples, 1, 16);
+    context.mode = IlluminationMode::of(settings.illuminationMode);
+    context.traceDepth = std::max(1, settings.traceDepth);
     context.needs = passNeeds(settings.passIds);
     context.exposure = settings.exposure;
     context.needs.behind = context.needs.beauty && !settings.alpha && snapshot.environment;
@@ -474,6 +478,8 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
                                                                  packet.hit.primID[lane]);
                             hit.normal = {packet.hit.Ng_x[lane], packet.hit.Ng_y[lane],
                                           packet.hit.Ng_z[lane]};
+                            hit.u = packet.hit.u[lane];
+                            hit.v = packet.hit.v[lane];
                             SampleResult result;
                             context.shade(directions[lane], hit, samplers[lane], times[lane],
                                           result);

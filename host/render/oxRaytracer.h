@@ -93,6 +93,11 @@ public:
         bool clamping = true;
         float clampValue = 16.0f;
         int sampleOffset = 0;
+        /// -1 precomputed light without shadows, 0 with reflections, 1 with shadows, 2 with
+        /// shadowed image-based light, 3 full global illumination (light between surfaces).
+        int illuminationMode = 3;
+        /// The most surfaces a path visits (1: what the camera sees, lit directly).
+        int traceDepth = 16;
         /// false: all samples in one round, with nothing kept between rounds (the same image).
         bool refine = true;
         /// The largest tile in pixels on a side (at least 1); tiles are shaded in parallel.

@@ -19,22 +19,25 @@ namespace {
 constexpr float kPi = 3.14159265358979f;
 const char kBaseName[] = "showroom";
 
-// Materials of the model, in glTF order: name, base colour, metallic, roughness.
+// Materials of the model, in glTF order: name, base colour, metallic, roughness, and the
+// glass and lacquer factors: transmission and clearcoat.
 struct MaterialEntry {
     const char* name;
     float color[3];
     float metallic;
     float roughness;
+    float transmission;
+    float clearcoat;
 };
 const MaterialEntry kMaterials[] = {
-    {"Red Paint", {0.7f, 0.05f, 0.04f}, 0.3f, 0.25f},
-    {"Blue Paint", {0.05f, 0.15f, 0.6f}, 0.3f, 0.25f},
-    {"Silver Paint", {0.75f, 0.75f, 0.78f}, 0.8f, 0.3f},
-    {"Glass", {0.1f, 0.12f, 0.14f}, 0.0f, 0.05f},
-    {"Tyre Rubber", {0.03f, 0.03f, 0.03f}, 0.0f, 0.9f},
-    {"Chrome", {0.9f, 0.9f, 0.9f}, 1.0f, 0.1f},
-    {"Painted Rim", {0.15f, 0.15f, 0.15f}, 0.2f, 0.5f},
-    {"Floor", {0.6f, 0.6f, 0.58f}, 0.0f, 0.7f},
+    {"Red Paint", {0.7f, 0.05f, 0.04f}, 0.3f, 0.25f, 0.0f, 1.0f},
+    {"Blue Paint", {0.05f, 0.15f, 0.6f}, 0.3f, 0.25f, 0.0f, 1.0f},
+    {"Silver Paint", {0.75f, 0.75f, 0.78f}, 0.8f, 0.3f, 0.0f, 1.0f},
+    {"Glass", {0.9f, 0.94f, 0.96f}, 0.0f, 0.05f, 1.0f, 0.0f},
+    {"Tyre Rubber", {0.03f, 0.03f, 0.03f}, 0.0f, 0.9f, 0.0f, 0.0f},
+    {"Chrome", {0.9f, 0.9f, 0.9f}, 1.0f, 0.1f, 0.0f, 0.0f},
+    {"Painted Rim", {0.15f, 0.15f, 0.15f}, 0.2f, 0.5f, 0.0f, 0.0f},
+    {"Floor", {0.6f, 0.6f, 0.58f}, 0.0f, 0.7f, 0.0f, 0.0f},
 };
 enum { RedPaint, BluePaint, SilverPaint, Glass, TyreRubber, Chrome, PaintedRim, FloorMaterial };
 
@@ -228,14 +231,22 @@ void oxExampleScene::generateModel(std::string& text, std::string& bin, bool emb
 {
     Writer w;
     w.doc["asset"] = {{"version", "2.0"}, {"generator", "oxlin example scene"}};
-    w.doc["extensionsUsed"] = {"KHR_materials_variants", "KHR_lights_punctual"};
-    for (const MaterialEntry& m : kMaterials)
-        w.doc["materials"].push_back(
-            {{"name", m.name},
-             {"pbrMetallicRoughness",
-              {{"baseColorFactor", {m.color[0], m.color[1], m.color[2], 1.0f}},
-               {"metallicFactor", m.metallic},
-               {"roughnessFactor", m.roughness}}}});
+    w.doc["extensionsUsed"] = {"KHR_materials_variants", "KHR_lights_punctual",
+                               "KHR_materials_transmission", "KHR_materials_clearcoat"};
+    for (const MaterialEntry& m : kMaterials) {
+        json material = {{"name", m.name},
+                         {"pbrMetallicRoughness",
+                          {{"baseColorFactor", {m.color[0], m.color[1], m.color[2], 1.0f}},
+                           {"metallicFactor", m.metallic},
+                           {"roughnessFactor", m.roughness}}}};
+        if (m.transmission > 0.0f)
+            material["extensions"]["KHR_materials_transmission"] = {
+                {"transmissionFactor", m.transmission}};
+        if (m.clearcoat > 0.0f)
+            material["extensions"]["KHR_materials_clearcoat"] = {
+                {"clearcoatFactor", m.clearcoat}, {"clearcoatRoughnessFactor", 0.03f}};
+        w.doc["materials"].push_back(material);
+    }
     // Glass and chrome look right only with more bounces and finer reflections than the rest
     // of the scene needs, so they override the scene's raytracing settings.
     const char* const overrides = oxSceneIO::kRaytracingOverridesExtra;

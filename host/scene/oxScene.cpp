@@ -205,6 +205,18 @@ struct Flattener {
                                                 geometry->positions[i + 2]});
                 out.positions.insert(out.positions.end(), p.begin(), p.end());
             }
+            const bool normals = geometry->normals.size() == geometry->positions.size();
+            for (size_t i = 0; i + 2 < geometry->positions.size(); i += 3) {
+                osg::Vec3f n{0, 0, 0};
+                if (normals) {
+                    n = osg::transformVector(world, {geometry->normals[i], geometry->normals[i + 1],
+                                                     geometry->normals[i + 2]});
+                    const float length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+                    for (float& c : n)
+                        c = length > 0.0f ? c / length : 0.0f;
+                }
+                out.normals.insert(out.normals.end(), n.begin(), n.end());
+            }
             for (uint32_t index : geometry->indices)
                 out.indices.push_back(base + index);
             const uint32_t material = materialId(geometry->material.get());

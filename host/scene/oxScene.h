@@ -81,6 +81,7 @@ public:
 struct oxSceneSnapshot {
     std::vector<float> positions;           ///< x, y, z per vertex, world space
     std::vector<uint32_t> indices;          ///< three per triangle
+    std::vector<float> normals;             ///< x, y, z per vertex, world space; 0 when unknown
     std::vector<uint32_t> triangleMaterial; ///< index into materials, per triangle
     std::vector<uint32_t> triangleObject;   ///< node id, per triangle
     std::vector<const osg::Material*> materials;

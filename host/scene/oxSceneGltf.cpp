@@ -194,6 +194,23 @@ struct Importer {
         material.setRaytracingAttachment(std::move(attachment));
     }
 
+    // The glTF extensions for glass and lacquer: transmission, index of refraction and
+    // clearcoat factors (their textures are not read).
+    static void importExtensionFactors(const tinygltf::Material& source,
+                                       osg::UBRDFMaterialBase& material)
+    {
+        auto factor = [&](const char* extension, const char* key, float& target) {
+            const auto found = source.extensions.find(extension);
+            if (found != source.extensions.end() && found->second.Has(key) &&
+                found->second.Get(key).IsNumber())
+                target = float(found->second.Get(key).GetNumberAsDouble());
+        };
+        factor("KHR_materials_transmission", "transmissionFactor", material.transmission);
+        factor("KHR_materials_ior", "ior", material.ior);
+        factor("KHR_materials_clearcoat", "clearcoatFactor", material.clearcoat);
+        factor("KHR_materials_clearcoat", "clearcoatRoughnessFactor", material.clearcoatRoughness);
+    }
+
     bool importMaterials()
     {
         for (size_t i = 0; i < model.materials.size(); ++i) {
@@ -205,6 +222,7 @@ struct Importer {
                 material->diffuseColor[c] = float(pbr.baseColorFactor[c]);
             material->metallic = float(pbr.metallicFactor);
             material->roughness = float(pbr.roughnessFactor);
+            importExtensionFactors(source, *material);
             osg::Vec4f incandescence{0, 0, 0, 0};
             for (size_t c = 0; c < 3 && c < source.emissiveFactor.size(); ++c)
                 incandescence[c] = float(source.emissiveFactor[c]);

@@ -371,6 +371,12 @@ public:
     Vec3f glossyColor{0.04f, 0.04f, 0.04f};
     float roughness = 0.5f;
     float metallic = 0.0f;
+    /// The share of light that passes through the surface (glass), refracted by ior.
+    float transmission = 0.0f;
+    float ior = 1.5f;
+    /// A clear lacquer over the base (car paint): its strength and roughness.
+    float clearcoat = 0.0f;
+    float clearcoatRoughness = 0.03f;
     /// Colour and intensity (fourth component).
     const Vec4f& getIncandescenceColor() const { return m_incandescence; }
     void setIncandescenceColor(const Vec4f& color) { m_incandescence = color; }
