@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 namespace oxRay {
 
@@ -52,11 +53,79 @@ const oxImagePasses::Id kPasses[] = {oxImagePasses::Beauty,      oxImagePasses::
                                      oxImagePasses::Position,    oxImagePasses::ViewVector,
                                      oxImagePasses::CameraNormal};
 
+constexpr unsigned bit(LightChannel channel) { return 1u << channel; }
+constexpr int kCombined = -1;
+
+// The light passes: the channels each adds up, and the colour it is or divides them by.
+// A combined channel is a sum of channels; a colour pass has no channels; an illumination
+// is its channels divided by its colour, so that colour times illumination gives the
+// combined channel back.
+struct LightPass {
+    oxImagePasses::Id id;
+    unsigned channels;
+    int colour;
+};
+const LightPass kLightPasses[] = {
+    {oxImagePasses::DiffuseIBL, bit(ChDiffuseIBL), kCombined},
+    {oxImagePasses::DiffuseLight, bit(ChDiffuseLight), kCombined},
+    {oxImagePasses::GlossyIBL, bit(ChGlossyIBL), kCombined},
+    {oxImagePasses::GlossyLight, bit(ChGlossyLight), kCombined},
+    {oxImagePasses::SpecularReflection, bit(ChSpecular), kCombined},
+    {oxImagePasses::Translucency,
+     bit(ChTranslucencyIBL) | bit(ChTranslucencyLight) | bit(ChTranslucencyIndirect), kCombined},
+    {oxImagePasses::Incandescence, bit(ChIncandescence), kCombined},
+    {oxImagePasses::DiffuseIndirect, bit(ChDiffuseIndirect), kCombined},
+    {oxImagePasses::GlossyIndirect, bit(ChGlossyIndirect), kCombined},
+    {oxImagePasses::DiffuseColor, 0, ColDiffuse},
+    {oxImagePasses::GlossyColor, 0, ColGlossy},
+    {oxImagePasses::SpecularColor, 0, ColSpecular},
+    {oxImagePasses::TranslucencyColor, 0, ColTranslucency},
+    {oxImagePasses::TransparencyColor, 0, ColTransparency},
+    {oxImagePasses::DiffuseIBLIllumination, bit(ChDiffuseIBL), ColDiffuse},
+    {oxImagePasses::GlossyIBLIllumination, bit(ChGlossyIBL), ColGlossy},
+    {oxImagePasses::TranslucencyIBLIllumination, bit(ChTranslucencyIBL), ColTranslucency},
+    {oxImagePasses::DiffuseLightIllumination, bit(ChDiffuseLight), ColDiffuse},
+    {oxImagePasses::GlossyLightIllumination, bit(ChGlossyLight), ColGlossy},
+    {oxImagePasses::TranslucencyLightIllumination, bit(ChTranslucencyLight), ColTranslucency},
+    {oxImagePasses::DiffuseIndirectIllumination, bit(ChDiffuseIndirect), ColDiffuse},
+    {oxImagePasses::GlossyIndirectIllumination, bit(ChGlossyIndirect), ColGlossy},
+    {oxImagePasses::SpecularIndirectIllumination, bit(ChSpecular), ColSpecular},
+    {oxImagePasses::TranslucencyIndirectIllumination, bit(ChTranslucencyIndirect), ColTranslucency},
+};
+static_assert(std::size(kLightPasses) == lightPassCount, "one sum per light pass");
+
+// The light pass of an id, or -1.
+int lightPassOf(unsigned passId)
+{
+    for (size_t i = 0; i < std::size(kLightPasses); ++i)
+        if (kLightPasses[i].id == passId)
+            return int(i);
+    return -1;
+}
+
+// What one sample gives a light pass.
+Vec3 lightPassValue(const LightPass& pass, const SampleResult& result)
+{
+    Vec3 sum{0, 0, 0};
+    for (unsigned c = 0; c < kLightChannels; ++c)
+        if (pass.channels & (1u << c))
+            sum = sum + result.channels[c];
+    if (pass.colour == kCombined)
+        return sum;
+    const Vec3& colour = result.colours[size_t(pass.colour)];
+    if (pass.channels == 0)
+        return colour;
+    Vec3 illumination;
+    for (size_t c = 0; c < 3; ++c)
+        illumination[c] = colour[c] > 1e-4f ? sum[c] / colour[c] : 0.0f;
+    return illumination;
+}
+
 } // namespace
 
 bool writesPass(unsigned passId)
 {
-    return oxImagePasses::isCryptomatte(passId) ||
+    return oxImagePasses::isCryptomatte(passId) || lightPassOf(passId) >= 0 ||
            std::find(std::begin(kPasses), std::end(kPasses), passId) != std::end(kPasses);
 }
 
@@ -71,6 +140,7 @@ PassNeeds passNeeds(const std::vector<unsigned>& passIds)
                       id == oxImagePasses::Position || id == oxImagePasses::CameraNormal;
         needs.background |= id == oxImagePasses::BackgroundColor;
         needs.view |= id == oxImagePasses::ViewVector;
+        needs.light |= lightPassOf(id) >= 0;
         needs.cryptoObject |=
             id >= oxImagePasses::cryptoObjectFirst && id < oxImagePasses::cryptoMaterialFirst;
         needs.cryptoMaterial |=
@@ -125,6 +195,10 @@ void PassAccumulator::accumulate(PixelSums& sums, CoverageLists& lists, const Sa
         sums.idColor = sums.idColor + result.idColor * aw;
         sums.depth += result.depth * aw;
     }
+    if (m_needs.light)
+        for (size_t i = 0; i < lightPassCount; ++i)
+            sums.light[i] = sums.light[i] + lightPassValue(kLightPasses[i], result) *
+                                                (kLightPasses[i].colour == kCombined ? w : aw);
     if (m_needs.cryptoObject)
         addCoverage(lists.objects, result.objectId, aw);
     if (m_needs.cryptoMaterial)
@@ -197,6 +271,14 @@ void PassAccumulator::finish(oxRenderedImage& image, int x, int y, const PixelSu
             put(pixel, sums.cameraNormal * hitNorm, dataAlpha);
             break;
         default: {
+            if (const int light = lightPassOf(pass.passId); light >= 0) {
+                // Combined channels are premultiplied as the beauty; the rest as the albedo.
+                if (kLightPasses[light].colour == kCombined)
+                    put(pixel, sums.light[size_t(light)] * norm, m_alpha ? coverage : 1.0f);
+                else
+                    put(pixel, sums.light[size_t(light)] * hitNorm, dataAlpha);
+                break;
+            }
             const bool objects = pass.passId < oxImagePasses::cryptoMaterialFirst;
             const auto& list = objects ? lists.objects : lists.materials;
             const unsigned layer = pass.passId - (objects ? oxImagePasses::cryptoObjectFirst

@@ -14,6 +14,10 @@
 // between refinement rounds, and the pixels of every requested pass made from them.
 namespace oxRay {
 
+/// The passes made of the light channels: the combined channels, the colours behind them and
+/// their illuminations (lightPassCount of them, in the order of the table in the .cpp file).
+constexpr size_t lightPassCount = 24;
+
 // Filtered sums of one pixel.
 struct PixelSums {
     float weight = 0.0f;       // all samples, signed filter weights
@@ -28,6 +32,9 @@ struct PixelSums {
     Vec3 albedo{0, 0, 0}, normal{0, 0, 0}, cameraNormal{0, 0, 0}, position{0, 0, 0},
         idColor{0, 0, 0}; // hit samples, |weights|
     float depth = 0.0f;
+    // The light passes: combined channels hit samples, signed (as the beauty); colours and
+    // illuminations hit samples, |weights| (as the albedo).
+    std::array<Vec3, lightPassCount> light{};
 };
 
 // Cryptomatte coverage of one pixel, (id, |weight|); kept per tile to spare allocations.
@@ -59,6 +66,10 @@ void forEachKeptSum(PixelSums& sums, const PassNeeds& needs, Visit&& visit)
             visit(c);
     if (needs.occlusion)
         visit(sums.occlusion);
+    if (needs.light)
+        for (Vec3& v : sums.light)
+            for (float& c : v)
+                visit(c);
     if (needs.data) {
         for (Vec3* v :
              {&sums.albedo, &sums.normal, &sums.cameraNormal, &sums.position, &sums.idColor})

@@ -136,24 +136,34 @@ struct Lobes {
     }
 };
 
-// The non-delta lobes (coat, specular, diffuse) times the cosine at wi.
-inline Vec3 evalBSDF(const ShadeMaterial& m, const Vec3& wo, const Vec3& wi)
+// The non-delta lobes times the cosine at wi: the diffuse base, and the glossy lobes (coat
+// and specular).
+inline void evalBSDFParts(const ShadeMaterial& m, const Vec3& wo, const Vec3& wi, Vec3& diffuse,
+                          Vec3& glossy)
 {
+    diffuse = glossy = Vec3{0, 0, 0};
     if (wo[2] <= 0.0f || wi[2] <= 0.0f)
-        return {0, 0, 0};
+        return;
     const float coatO = m.clearcoat * schlick(Vec3{0.04f, 0.04f, 0.04f}, wo[2])[0];
     const float coatI = m.clearcoat * schlick(Vec3{0.04f, 0.04f, 0.04f}, wi[2])[0];
     // Glass reflects through its own (delta) lobe; the GGX lobe is the opaque share's.
     const float opaque = 1.0f - m.transmission;
-    Vec3 f = ggxReflection(wo, wi, m.alpha, m.specular, m.fresnel) * (opaque * (1.0f - coatO));
+    glossy = ggxReflection(wo, wi, m.alpha, m.specular, m.fresnel) * (opaque * (1.0f - coatO));
     // The diffuse base sees what the specular layer lets through, both ways.
     const float through = (1.0f - luminance(baseReflectance(m, wo[2]))) *
                           (1.0f - luminance(baseReflectance(m, wi[2]))) /
                           std::max(1.0f - luminance(m.specular), 1e-3f);
-    f = f + m.diffuse * (opaque * through * (1.0f - coatO) * (1.0f - coatI) * wi[2] / kPi);
+    diffuse = m.diffuse * (opaque * through * (1.0f - coatO) * (1.0f - coatI) * wi[2] / kPi);
     if (m.clearcoat > 0.0f)
-        f = f + ggxReflection(wo, wi, m.clearcoatAlpha, Vec3{0.04f, 0.04f, 0.04f}) * m.clearcoat;
-    return f;
+        glossy = glossy +
+                 ggxReflection(wo, wi, m.clearcoatAlpha, Vec3{0.04f, 0.04f, 0.04f}) * m.clearcoat;
+}
+
+inline Vec3 evalBSDF(const ShadeMaterial& m, const Vec3& wo, const Vec3& wi)
+{
+    Vec3 diffuse, glossy;
+    evalBSDFParts(m, wo, wi, diffuse, glossy);
+    return diffuse + glossy;
 }
 
 // The pdf of wi under the non-delta lobes, as sampleBSDF chooses them.

@@ -22,6 +22,15 @@ enum : uint32_t {
     DimRoulette = 4,
     DimLight = 8
 };
+// The lobes that send a path on, where the light comes from, and the channel of each pair.
+enum Lobe { LobeDiffuse, LobeGlossy, LobeSpecular, LobeTranslucency };
+enum Source { Sky, Light, Indirect };
+constexpr LightChannel kChannelOf[4][3] = {
+    {ChDiffuseIBL, ChDiffuseLight, ChDiffuseIndirect},
+    {ChGlossyIBL, ChGlossyLight, ChGlossyIndirect},
+    {ChSpecular, ChSpecular, ChSpecular},
+    {ChTranslucencyIBL, ChTranslucencyLight, ChTranslucencyIndirect},
+};
 // Paths longer than this many surfaces go on only by Russian roulette.
 constexpr int kRouletteStart = 3;
 
@@ -129,12 +138,23 @@ bool RenderContext::trace(const Vec3& origin, const Vec3& direction, float time,
     return true;
 }
 
-Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& first,
-                                 const Sampler& sampler, float time) const
+void RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& first,
+                                 const Sampler& sampler, float time, SampleResult& result) const
 {
     const osg::UEnvironmentMaterialBase* environment = snapshot->environment;
-    Vec3 radiance{0, 0, 0};
     Vec3 throughput{1, 1, 1};
+    // Light reaches the channel of the first surface's lobe that sent the path on (its
+    // indirect light once the path has gone further), or the channel of its own sample.
+    int firstLobe = -1;
+    auto add = [&](const Vec3& light, int lobe, Source source) {
+        if (firstLobe >= 0) {
+            lobe = firstLobe;
+            source = Indirect;
+        }
+        result.channels[kChannelOf[lobe][source]] =
+            result.channels[kChannelOf[lobe][source]] + light;
+        result.beauty = result.beauty + light;
+    };
     Vec3 dir = direction;
     SurfacePoint surface = first;
     // Once a path has scattered diffusely, the sun seen through glass and mirrors is a caustic:
@@ -142,7 +162,12 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
     bool scattered = false;
     for (int depth = 0;; ++depth) {
         const ShadeMaterial& material = materials[snapshot->triangleMaterial[surface.triangle]];
-        radiance = radiance + throughput * material.emission;
+        if (depth == 0)
+            result.channels[ChIncandescence] = result.channels[ChIncandescence] + material.emission;
+        else
+            add(throughput * material.emission, LobeDiffuse, Indirect);
+        if (depth == 0)
+            result.beauty = result.beauty + material.emission;
         const uint32_t dimension = kPathDimensionBase + uint32_t(depth) * kPathDimensionStride;
         const Frame frame(surface.shading);
         const Vec3 wo = frame.toLocal(dir * -1.0f);
@@ -200,12 +225,15 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
                     }
                     distance *= 0.999f;
                 }
-                const Vec3 f = evalBSDF(material, wo, frame.toLocal(toLight));
+                Vec3 diffuse, glossy;
+                evalBSDFParts(material, wo, frame.toLocal(toLight), diffuse, glossy);
+                const Vec3 f = diffuse + glossy;
                 if (f[0] + f[1] + f[2] <= 0.0f || dot(toLight, surface.geometric) <= 0.0f)
                     continue;
                 if (mode.shadows && occluded(above, toLight, distance, time))
                     continue;
-                radiance = radiance + throughput * f * light.radiance * weight;
+                add(throughput * diffuse * light.radiance * weight, LobeDiffuse, Light);
+                add(throughput * glossy * light.radiance * weight, LobeGlossy, Light);
             }
             if (environment) {
                 // Cosine-weighted about the normal: the sky's share of diffuse light.
@@ -214,13 +242,17 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
                 const Vec3 local = cosineSample(u, v);
                 const Vec3 toSky = frame.toWorld(local);
                 const float skyPdf = local[2] / kPi;
-                const Vec3 f = evalBSDF(material, wo, local);
+                Vec3 diffuse, glossy;
+                evalBSDFParts(material, wo, local, diffuse, glossy);
+                const Vec3 f = diffuse + glossy;
                 if (skyPdf > 0.0f && f[0] + f[1] + f[2] > 0.0f &&
                     dot(toSky, surface.geometric) > 0.0f &&
                     !(mode.iblOcclusion && occluded(above, toSky, 1e30f, time))) {
                     const float w = powerHeuristic(skyPdf, pdfBSDF(material, lobes, wo, local));
-                    radiance = radiance +
-                               throughput * f * environmentColor(environment, toSky) * (w / skyPdf);
+                    const Vec3 sky =
+                        throughput * environmentColor(environment, toSky) * (w / skyPdf);
+                    add(sky * diffuse, LobeDiffuse, Sky);
+                    add(sky * glossy, LobeGlossy, Sky);
                 }
             }
         }
@@ -232,6 +264,7 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
         Vec3 next, weight;
         float surfacePdf = 0.0f;
         bool delta = false, diffuse = false;
+        int lobe = LobeGlossy;
         Vec3 nextOrigin = above;
         if (pick < lobes.glass) {
             // Smooth glass reflects or refracts by its Fresnel reflectance; what passes
@@ -243,11 +276,13 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
             if (v < fresnelDielectric(cosI, eta)) {
                 next = frame.toWorld({-wo[0], -wo[1], wo[2]});
                 weight = Vec3{1, 1, 1} * share;
+                lobe = LobeSpecular;
             } else {
                 const float cosT =
                     std::sqrt(std::max(0.0f, 1.0f - eta * eta * (1.0f - cosI * cosI)));
                 next = normalize(frame.toWorld(Vec3{-wo[0] * eta, -wo[1] * eta, -cosT}));
                 weight = material.albedo * share;
+                lobe = LobeTranslucency;
                 nextOrigin = surface.point - surface.geometric * offset;
             }
         } else {
@@ -258,6 +293,7 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
             if (rest < lobes.diffuse) {
                 local = cosineSample(u2, v2);
                 diffuse = true;
+                lobe = LobeDiffuse;
             } else {
                 const float alpha = rest < lobes.diffuse + lobes.specular ? material.alpha
                                                                           : material.clearcoatAlpha;
@@ -282,38 +318,38 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
         const bool weighed = scatters && !delta;
         const Vec3 normal = surface.shading;
         auto escaped = [&](const Vec3& d) {
-            Vec3 found{0, 0, 0};
             if (environment) {
                 const float skyPdf = std::max(0.0f, dot(d, normal)) / kPi;
-                found = environmentColor(environment, d) *
-                        (weighed ? powerHeuristic(surfacePdf, skyPdf) : 1.0f);
+                add(throughput * environmentColor(environment, d) *
+                        (weighed ? powerHeuristic(surfacePdf, skyPdf) : 1.0f),
+                    lobe, Sky);
             }
-            const float cosSun = std::cos(kDirectionalSpread);
             if (delta && scattered)
-                return found;
+                return;
+            const float cosSun = std::cos(kDirectionalSpread);
+            const float sunWeight =
+                (weighed ? powerHeuristic(surfacePdf, 1.0f / kSunSolidAngle) : 1.0f) /
+                kSunSolidAngle;
             for (const ShadeLight& light : lights)
                 if (light.type == osg::Light::Directional &&
                     dot(d, light.direction * -1.0f) >= cosSun)
-                    found =
-                        found +
-                        light.radiance *
-                            ((weighed ? powerHeuristic(surfacePdf, 1.0f / kSunSolidAngle) : 1.0f) /
-                             kSunSolidAngle);
-            return found;
+                    add(throughput * light.radiance * sunWeight, lobe, Light);
         };
 
         const bool goOn = depth + 1 < traceDepth && (diffuse ? mode.indirect : mode.reflections);
         if (!goOn) {
             // The path ends here, but its last sample still sees what lies straight along it.
             if (!(mode.iblOcclusion && occluded(nextOrigin, next, 1e30f, time)))
-                radiance = radiance + throughput * escaped(next);
+                escaped(next);
             break;
         }
         SurfacePoint found;
         if (!trace(nextOrigin, next, time, found)) {
-            radiance = radiance + throughput * escaped(next);
+            escaped(next);
             break;
         }
+        if (depth == 0)
+            firstLobe = lobe;
         surface = found;
         dir = next;
         scattered |= diffuse;
@@ -326,7 +362,6 @@ Vec3 RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
             throughput = throughput * (1.0f / keep);
         }
     }
-    return radiance;
 }
 
 } // namespace oxRay

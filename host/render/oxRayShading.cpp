@@ -167,7 +167,7 @@ void RenderContext::shade(const Vec3& direction, const PrimaryHit& hit, const Sa
     result.materialId = material.cryptoId;
     result.objectId = triangleObjectIds[triangle];
 
-    if (!needs.beauty && !needs.occlusion)
+    if (!needs.beauty && !needs.light && !needs.occlusion)
         return;
     const float scale =
         1.0f + std::max({std::fabs(point[0]), std::fabs(point[1]), std::fabs(point[2])});
@@ -192,8 +192,15 @@ void RenderContext::shade(const Vec3& direction, const PrimaryHit& hit, const Sa
         result.occlusion = float(open) / float(occlusionRays);
     }
 
-    if (needs.beauty)
-        result.beauty = pathRadiance(direction, surface, sampler, time);
+    if (needs.beauty || needs.light) {
+        pathRadiance(direction, surface, sampler, time, result);
+        const float opaque = 1.0f - material.transmission;
+        result.colours[ColDiffuse] = material.diffuse * opaque;
+        result.colours[ColGlossy] = material.specular * opaque;
+        result.colours[ColSpecular] = Vec3{1, 1, 1} * material.transmission;
+        result.colours[ColTranslucency] = material.albedo * material.transmission;
+        result.colours[ColTransparency] = material.albedo * material.transmission;
+    }
 }
 
 } // namespace oxRay

@@ -10,6 +10,7 @@
 #include <embree3/rtcore.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -32,10 +33,41 @@ struct ShadeLight {
 // The environment's radiance seen along direction (black without an environment).
 Vec3 environmentColor(const osg::UEnvironmentMaterialBase* environment, const Vec3& direction);
 
+// The channels a camera sample's light is split into: by the lobe of the first surface that
+// sent it on (diffuse, glossy, glass reflection, glass refraction) and by where it came from
+// (the environment, a light, other surfaces), and the first surface's own glow. They add up
+// to the beauty.
+enum LightChannel : unsigned {
+    ChDiffuseIBL,
+    ChDiffuseLight,
+    ChDiffuseIndirect,
+    ChGlossyIBL,
+    ChGlossyLight,
+    ChGlossyIndirect,
+    ChSpecular,
+    ChTranslucencyIBL,
+    ChTranslucencyLight,
+    ChTranslucencyIndirect,
+    ChIncandescence,
+    kLightChannels
+};
+// The first surface's colour behind each lobe: its light channels are that colour times the
+// light the lobe received (its illumination).
+enum ColourChannel : unsigned {
+    ColDiffuse,
+    ColGlossy,
+    ColSpecular,
+    ColTranslucency,
+    ColTransparency,
+    kColourChannels
+};
+
 // What one camera sample saw.
 struct SampleResult {
     bool hit = false;
     Vec3 beauty{0, 0, 0};
+    std::array<Vec3, kLightChannels> channels{};
+    std::array<Vec3, kColourChannels> colours{};
     Vec3 background{0, 0, 0};
     Vec3 albedo{0, 0, 0};
     Vec3 normal{0, 0, 0};
@@ -89,6 +121,7 @@ struct PassNeeds {
     bool background = false;
     bool view = false;
     bool behind = false; // the environment shows behind the beauty's uncovered parts
+    bool light = false;  // any pass of the light channels, their colours or illuminations
 };
 
 // Everything the tiles share during one render.
@@ -136,8 +169,9 @@ struct RenderContext {
     // The light a path from the camera carries back from its first surface: emission, light
     // and environment sampled at each surface and combined with the surface's own samples by
     // multiple importance sampling, as the illumination mode and trace depth allow.
-    Vec3 pathRadiance(const Vec3& direction, const SurfacePoint& first, const Sampler& sampler,
-                      float time) const;
+    // Sets result's beauty and light channels.
+    void pathRadiance(const Vec3& direction, const SurfacePoint& first, const Sampler& sampler,
+                      float time, SampleResult& result) const;
 
     // The primary ray through direction, clipped to the camera's near and far distances.
     void primaryRay(const Vec3& direction, float& tnear, float& tfar) const

@@ -201,3 +201,77 @@ TEST_F(LightTransportTest, IlluminationModesAndTraceDepthChangeTheImageAsNamed)
     EXPECT_GT(full, ibl);
     EXPECT_LT(direct, full);
 }
+
+// The light passes as compositors use them: the combined channels add up to the beauty, and
+// each colour times its illumination gives its combined channel back, within each material.
+TEST_F(LightTransportTest, LightPassesAddUpToTheBeautyAndFactorIntoColourAndLight)
+{
+    oxScene example;
+    std::string error;
+    ASSERT_TRUE(oxExampleScene::build(example, error)) << error;
+    const unsigned combined[] = {DiffuseIBL,    DiffuseLight,       GlossyIBL,
+                                 GlossyLight,   SpecularReflection, Translucency,
+                                 Incandescence, DiffuseIndirect,    GlossyIndirect};
+    const struct {
+        unsigned colour, illumination, combined;
+    } factors[] = {
+        {DiffuseColor, DiffuseIBLIllumination, DiffuseIBL},
+        {DiffuseColor, DiffuseLightIllumination, DiffuseLight},
+        {DiffuseColor, DiffuseIndirectIllumination, DiffuseIndirect},
+        {GlossyColor, GlossyIBLIllumination, GlossyIBL},
+        {GlossyColor, GlossyLightIllumination, GlossyLight},
+        {GlossyColor, GlossyIndirectIllumination, GlossyIndirect},
+        {SpecularColor, SpecularIndirectIllumination, SpecularReflection},
+    };
+    std::vector<unsigned> passes = {Beauty, Mask, MaterialID};
+    for (unsigned id = 0; id < count; ++id)
+        if (id != Beauty && id != Mask && id != MaterialID && oxRaytracer::isHostPass(id))
+            passes.push_back(id);
+    EXPECT_GE(passes.size(), size_t(40));
+    oxRaytracer::Settings s;
+    s.width = 64;
+    s.height = 48;
+    s.samples = 8;
+    s.filterType = 0; // a box: every sample of a pixel weighs the same
+    s.clamping = false;
+    s.passIds = passes;
+    oxRenderedImage image;
+    ASSERT_TRUE(raytracer.render(example, s, image, error)) << error;
+    auto value = [&](unsigned pass, int x, int y, int c) {
+        return image.find(pass)->rgba[(size_t(y) * 64 + size_t(x)) * 4 + size_t(c)];
+    };
+    int checked = 0, factored = 0;
+    double lit = 0.0;
+    for (int y = 1; y < 47; ++y)
+        for (int x = 1; x < 63; ++x) {
+            if (value(Mask, x, y, 0) < 1.0f)
+                continue;
+            ++checked;
+            for (int c = 0; c < 3; ++c) {
+                float sum = 0.0f;
+                for (unsigned id : combined)
+                    sum += value(id, x, y, c);
+                ASSERT_NEAR(sum, value(Beauty, x, y, c), 1e-4f * (1.0f + sum)) << x << "," << y;
+                lit += value(DiffuseLight, x, y, c) + value(GlossyIBL, x, y, c);
+            }
+            // Where a pixel's neighbours show the same material, its samples share its colours.
+            bool inside = true;
+            for (int dy = -1; dy <= 1; ++dy)
+                for (int dx = -1; dx <= 1; ++dx)
+                    for (int c = 0; c < 3; ++c)
+                        inside &=
+                            value(MaterialID, x + dx, y + dy, c) == value(MaterialID, x, y, c);
+            if (!inside)
+                continue;
+            ++factored;
+            for (const auto& f : factors)
+                for (int c = 0; c < 3; ++c)
+                    ASSERT_NEAR(value(f.colour, x, y, c) * value(f.illumination, x, y, c),
+                                value(f.combined, x, y, c),
+                                1e-3f + 1e-3f * value(f.combined, x, y, c))
+                        << name(f.illumination) << " at " << x << "," << y;
+        }
+    EXPECT_GT(checked, 1000);
+    EXPECT_GT(factored, 500);
+    EXPECT_GT(lit, 100.0); // the channels hold the light, not zeros that trivially add up
+}

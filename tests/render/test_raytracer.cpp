@@ -351,8 +351,8 @@ TEST_F(oxRaytracerTest, BadRequestsFailAndLeaveNoImage)
         EXPECT_TRUE(image.passes.empty());
         return error;
     };
-    EXPECT_EQ(failure(settings({Beauty, DiffuseIBL})),
-              "the render pass 'diffuse_ibl' is not rendered by this host yet");
+    EXPECT_EQ(failure(settings({Beauty, Fog})),
+              "the render pass 'fog' is not rendered by this host yet");
     oxRaytracer::Settings s = settings({Beauty});
     s.filterType = oxRaytracer::pixelFilterCount;
     EXPECT_EQ(failure(s), "the pixel filter type 10 is unknown");
@@ -447,7 +447,7 @@ TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImageOrRefusesAndWritesNothing)
         {{"--view", "Nowhere"}, 1, "no camera or viewpoint named 'Nowhere'"},
         {{"--passes", "beauty,glitter"}, 2, "unknown render pass 'glitter'"},
         // A known pass that this host doesn't render yet fails the snapshot.
-        {{"--passes", "diffuse_ibl"}, 1, "'diffuse_ibl'"},
+        {{"--passes", "fog"}, 1, "'fog'"},
     };
     for (const auto& c : cases) {
         result = snapshot(refused, c.arguments);
@@ -455,7 +455,7 @@ TEST_F(oxRaytracerTest, SnapshotCommandWritesTheImageOrRefusesAndWritesNothing)
         EXPECT_NE(result.err.find(c.error), std::string::npos) << result.err;
     }
     EXPECT_FALSE(oxFile::exists(refused));
-    EXPECT_FALSE(oxFile::exists(dir.file("x.diffuse_ibl.png")));
+    EXPECT_FALSE(oxFile::exists(dir.file("x.fog.png")));
 }
 
 } // namespace
