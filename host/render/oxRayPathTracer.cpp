@@ -31,6 +31,8 @@ constexpr LightChannel kChannelOf[4][3] = {
     {ChSpecular, ChSpecular, ChSpecular},
     {ChTranslucencyIBL, ChTranslucencyLight, ChTranslucencyIndirect},
 };
+// GGX lobes narrower than this reflect the sun as a caustic after a diffuse bounce.
+constexpr float kSharpAlpha = 0.05f;
 // Paths longer than this many surfaces go on only by Russian roulette.
 constexpr int kRouletteStart = 3;
 
@@ -157,8 +159,9 @@ void RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
     };
     Vec3 dir = direction;
     SurfacePoint surface = first;
-    // Once a path has scattered diffusely, the sun seen through glass and mirrors is a caustic:
-    // found only by chance, as rare bright specks. Caustics are left to photon tracing.
+    // Once a path has scattered diffusely, the sun seen through glass, mirrors and polished
+    // lacquer is a caustic: found only by chance, as rare bright specks. Caustics are left to
+    // photon tracing.
     bool scattered = false;
     for (int depth = 0;; ++depth) {
         const ShadeMaterial& material = materials[snapshot->triangleMaterial[surface.triangle]];
@@ -263,7 +266,7 @@ void RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
         const float pick = u * lobes.sum;
         Vec3 next, weight;
         float surfacePdf = 0.0f;
-        bool delta = false, diffuse = false;
+        bool delta = false, diffuse = false, sharp = false;
         int lobe = LobeGlossy;
         Vec3 nextOrigin = above;
         if (pick < lobes.glass) {
@@ -297,6 +300,7 @@ void RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
             } else {
                 const float alpha = rest < lobes.diffuse + lobes.specular ? material.alpha
                                                                           : material.clearcoatAlpha;
+                sharp = alpha < kSharpAlpha;
                 const Vec3 h = sampleGGXVisibleNormal(wo, alpha, u2, v2);
                 local = h * (2.0f * dot(wo, h)) - wo;
             }
@@ -324,7 +328,7 @@ void RenderContext::pathRadiance(const Vec3& direction, const SurfacePoint& firs
                         (weighed ? powerHeuristic(surfacePdf, skyPdf) : 1.0f),
                     lobe, Sky);
             }
-            if (delta && scattered)
+            if ((delta || sharp) && scattered)
                 return;
             const float cosSun = std::cos(kDirectionalSpread);
             const float sunWeight =
