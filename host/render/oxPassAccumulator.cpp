@@ -46,12 +46,12 @@ void put(float* pixel, const Vec3& rgb, float alpha)
 }
 
 // The passes written besides the Cryptomatte layers.
-const oxImagePasses::Id kPasses[] = {oxImagePasses::Beauty,      oxImagePasses::BackgroundColor,
-                                     oxImagePasses::Occlusion,   oxImagePasses::Albedo,
-                                     oxImagePasses::Normal,      oxImagePasses::Depth,
-                                     oxImagePasses::MaterialID,  oxImagePasses::Mask,
-                                     oxImagePasses::Position,    oxImagePasses::ViewVector,
-                                     oxImagePasses::CameraNormal};
+const oxImagePasses::Id kPasses[] = {oxImagePasses::Beauty,       oxImagePasses::BackgroundColor,
+                                     oxImagePasses::Occlusion,    oxImagePasses::Albedo,
+                                     oxImagePasses::Normal,       oxImagePasses::Depth,
+                                     oxImagePasses::MaterialID,   oxImagePasses::Mask,
+                                     oxImagePasses::Position,     oxImagePasses::ViewVector,
+                                     oxImagePasses::CameraNormal, oxImagePasses::GPUDepth};
 
 constexpr unsigned bit(LightChannel channel) { return 1u << channel; }
 constexpr int kCombined = -1;
@@ -137,7 +137,8 @@ PassNeeds passNeeds(const std::vector<unsigned>& passIds)
         needs.occlusion |= id == oxImagePasses::Occlusion;
         needs.data |= id == oxImagePasses::Albedo || id == oxImagePasses::Normal ||
                       id == oxImagePasses::Depth || id == oxImagePasses::MaterialID ||
-                      id == oxImagePasses::Position || id == oxImagePasses::CameraNormal;
+                      id == oxImagePasses::Position || id == oxImagePasses::CameraNormal ||
+                      id == oxImagePasses::GPUDepth;
         needs.background |= id == oxImagePasses::BackgroundColor;
         needs.view |= id == oxImagePasses::ViewVector;
         needs.light |= lightPassOf(id) >= 0;
@@ -163,6 +164,13 @@ PassAccumulator::PassAccumulator(const PassNeeds& needs, const oxRaytracer::Sett
       m_alpha(settings.alpha), m_alphaColor(settings.alphaColor),
       m_premultiply(settings.premultiply)
 {}
+
+void PassAccumulator::setDepthRange(float nearDistance, float farDistance)
+{
+    // A camera without a near plane gets one a millimetre away, as rasterisers need one.
+    m_near = nearDistance > 0.0f ? nearDistance : 1e-3f;
+    m_far = std::max(farDistance, m_near * 2.0f);
+}
 
 void PassAccumulator::accumulate(PixelSums& sums, CoverageLists& lists, const SampleResult& result,
                                  float w) const
@@ -267,6 +275,16 @@ void PassAccumulator::finish(oxRenderedImage& image, int x, int y, const PixelSu
         case oxImagePasses::ViewVector:
             put(pixel, normalize(sums.view * absNorm), dataAlpha);
             break;
+        case oxImagePasses::GPUDepth: {
+            // What a rasteriser's depth buffer holds: 1 / depth, linear from the near plane
+            // (0) to the far plane (1), where everything missed lies.
+            const float depth = sums.hitAbsWeight > 0.0f ? sums.depth * hitNorm : m_far;
+            const float value = std::clamp((1.0f / m_near - 1.0f / std::max(depth, m_near)) /
+                                               (1.0f / m_near - 1.0f / m_far),
+                                           0.0f, 1.0f);
+            put(pixel, Vec3{1, 1, 1} * value, dataAlpha);
+            break;
+        }
         case oxImagePasses::CameraNormal:
             put(pixel, sums.cameraNormal * hitNorm, dataAlpha);
             break;

@@ -95,6 +95,8 @@ public:
     /// Adds one sample of filter weight w to a pixel's sums.
     void accumulate(PixelSums& sums, CoverageLists& lists, const SampleResult& result,
                     float w) const;
+    /// The camera's near and far planes, for the depth buffer pass.
+    void setDepthRange(float nearDistance, float farDistance);
     /// Writes pixel (x, y) of every pass of image from its sums; ranks its coverage lists.
     void finish(oxRenderedImage& image, int x, int y, const PixelSums& sums,
                 CoverageLists& lists) const;
@@ -105,6 +107,8 @@ private:
     bool m_alpha;
     std::array<float, 3> m_alphaColor;
     bool m_premultiply;
+    float m_near = 1e-3f;
+    float m_far = 1e30f;
 };
 
 } // namespace oxRay

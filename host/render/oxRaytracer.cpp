@@ -359,7 +359,8 @@ bool oxRaytracer::render(const oxScene& scene, const Settings& settings, oxRende
     }
 
     const uint32_t offset = uint32_t(settings.sampleOffset);
-    const PassAccumulator film(context.needs, settings);
+    PassAccumulator film(context.needs, settings);
+    film.setDepthRange(context.camera.nearDistance, context.camera.farDistance);
 
     // Rounds of samples [begin, end) over the region. What a pixel has summed so far waits
     // between rounds in keptSums (and its Cryptomatte coverage in keptLists); a render of one
