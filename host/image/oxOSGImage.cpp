@@ -1,8 +1,10 @@
 #include "oxOSGImage.h"
 
+#include "oxDisplayCurve.h"
 #include "oxFile.h"
 #include "oxImageEncoder.h"
 #include "oxImageOutStream.h"
+#include "oxImagePasses.h"
 #include "oxLog.h"
 
 #include <algorithm>
@@ -28,16 +30,33 @@ std::string mimeOfFormat(const std::string& format)
     return "image/" + format;
 }
 
+// Whether an image named after a pass holds data rather than colours.
+bool isDataLayer(const std::string& name)
+{
+    for (unsigned id = 0; id < oxImagePasses::count; ++id)
+        if (name == oxImagePasses::names[id])
+            return oxImagePasses::isData(id);
+    return false;
+}
+
 std::vector<oxImageLayer> layersOf(const ImagePtr& image, const std::vector<ImagePtr>& more,
                                    const std::string& firstName)
 {
     std::vector<oxImageLayer> layers;
     layers.push_back({firstName.empty() ? image->getName() : firstName, image->getData().data(),
-                      image->isCryptomatte()});
+                      image->isCryptomatte(), isDataLayer(image->getName())});
     for (const ImagePtr& layer : more)
         if (layer && layer != image)
-            layers.push_back({layer->getName(), layer->getData().data(), layer->isCryptomatte()});
+            layers.push_back({layer->getName(), layer->getData().data(), layer->isCryptomatte(),
+                              isDataLayer(layer->getName())});
     return layers;
+}
+
+// Integer files are display-referred, as the image writer's own files are.
+const std::vector<float>& sRGBCurve()
+{
+    static const oxDisplayCurve curve = oxDisplayCurve::sRGB();
+    return curve.table();
 }
 
 bool sizesMatch(const ImagePtr& image, const std::vector<ImagePtr>& layers)
@@ -82,6 +101,7 @@ bool ImageFileType::write(const ImagePtr& image, std::ostream& stream, const std
     oxEncodeSettings settings;
     ImageFileHandler::the().applyOptions(suffix, settings);
     settings.multiLayer = !layers.empty();
+    settings.displayCurve = sRGBCurve();
     std::string bytes;
     std::string error;
     if (!oxImageEncoder::encode(suffix, image->getWidth(), image->getHeight(),
@@ -183,6 +203,7 @@ bool ImageFileHandler::write(const ImagePtr& image, const std::string& fileName)
     }
     oxEncodeSettings settings;
     applyOptions(oxFile::getExtension(path), settings);
+    settings.displayCurve = sRGBCurve();
     std::string error;
     if (!oxImageEncoder::writeFile(path, image->getWidth(), image->getHeight(),
                                    layersOf(image, {}, std::string()), settings, error)) {
