@@ -75,7 +75,8 @@ test-fuzz: fuzz-build
 # The main job on the built-in example: writes the example scene, opens it headless with the
 # plug-ins, lists what it offers to a render job and renders it (a PNG and a multi-layer EXR),
 # then runs the scripted configurator job (viewpoints x variant sets x passes).
-DEMO_PASSES = beauty,albedo,normal,camera_normal,depth,position,view,occlusion,materialID,mask,$\
+DEMO_PASSES = beauty,diffuse_ibl,diffuse_light,diffuse_indirect,glossy_ibl,glossy_light,$\
+    albedo,normal,camera_normal,depth,position,view,occlusion,materialID,mask,$\
     background_color,cryptoObject00,cryptoObject01,cryptoObject02,$\
     cryptoMaterial00,cryptoMaterial01,cryptoMaterial02
 demo: build
