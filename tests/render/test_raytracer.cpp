@@ -412,6 +412,11 @@ TEST_F(oxRaytracerTest, SourceRendersTheCurrentSceneWithTheStoreSettings)
     oxRenderParameter::setImageSamples(6);
     EXPECT_EQ(oxRaytracer::Settings::fromHost(32, 24, true).samples, 6);
     EXPECT_EQ(oxRaytracer::Settings::fromHost(32, 24, false).samples, 1);
+    // Still frames follow the store's still-frame illumination mode and trace depth.
+    oxRenderParameter::setStillFrameQualityMode(1);
+    oxRenderParameter::setStillFrameReflectionDepth(3);
+    EXPECT_EQ(oxRaytracer::Settings::fromHost(32, 24, true).illuminationMode, 1);
+    EXPECT_EQ(oxRaytracer::Settings::fromHost(32, 24, true).traceDepth, 3);
     oxRaytracer::setPremultiply(true);
     EXPECT_TRUE(oxRaytracer::Settings::fromHost(32, 24, false).premultiply);
     oxRaytracer::setPremultiply(false);
