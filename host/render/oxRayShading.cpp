@@ -55,8 +55,8 @@ void RenderContext::loadMaterials(const oxSceneSnapshot& snapshot,
             material.fresnel = (mode & osg::UberMaterial::fresnel_respects_glossy_color) != 0;
             const bool ggx = (mode & osg::UberMaterial::use_ggx_brdf) != 0 &&
                              oxBrdfIntegration::getBrdfType() == 2;
-            material.alpha = std::max(material.roughness * material.roughness * (ggx ? 1.0f : 0.5f),
-                                      2e-3f);
+            material.alpha =
+                std::max(material.roughness * material.roughness * (ggx ? 1.0f : 0.5f), 2e-3f);
             material.transmission = std::clamp(brdf->transmission, 0.0f, 1.0f) * (1.0f - metallic);
             material.ior = std::clamp(brdf->ior, 1.0f, 3.0f);
             material.clearcoat = std::clamp(brdf->clearcoat, 0.0f, 1.0f);
