@@ -6,7 +6,6 @@
 //   bench_cluster_submit [--benchmark_...]   (OX_BENCH_PARTITION names a partition)
 
 #include "oxClusterManagerService.h"
-#include "oxController.h"
 #include "oxExampleScene.h"
 #include "oxMovieExport.h"
 #include "oxPlatform.h"
@@ -73,10 +72,8 @@ BENCHMARK(BM_SubmitThousandTaskJob)->Unit(benchmark::kMillisecond)->UseRealTime(
 
 int main(int argc, char** argv)
 {
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    oxPlatform::ensureRuntimeDir();
+    oxPlatform::prepareHeadless();
     QApplication application(argc, argv);
-    oxController::setNoGUI(true);
     QTemporaryDir preferences;
     oxPreferences::setPreferencesDir(preferences.path().toStdString());
     benchmark::Initialize(&argc, argv);

@@ -7,7 +7,7 @@
 // noise: the RMSE of the beauty at 4, 16 and 64 samples (the argument) against a 1024-sample
 // reference of the same 160x90 view: with an unbiased sampler it halves with every 4x.
 
-#include "oxExampleScene.h"
+#include "oxBenchScene.h"
 #include "oxImagePasses.h"
 #include "oxImageSource.h"
 #include "oxRaytracer.h"
@@ -17,22 +17,8 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
-#include <stdexcept>
 
 namespace {
-
-oxScene& exampleScene()
-{
-    static oxScene scene;
-    static bool built = false;
-    if (!built) {
-        std::string error;
-        if (!oxExampleScene::build(scene, error))
-            throw std::runtime_error(error);
-        built = true;
-    }
-    return scene;
-}
 
 oxRaytracer::Settings settings(int width, int height, int samples)
 {

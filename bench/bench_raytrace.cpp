@@ -6,7 +6,7 @@
 // rounds (1); what rounds cost is the difference. motionBlur: the same image with (1) and
 // without (0) the blur of the example's clip, BVH build included.
 
-#include "oxExampleScene.h"
+#include "oxBenchScene.h"
 #include "oxImageSource.h"
 #include "oxRaytracer.h"
 #include "oxScene.h"
@@ -18,25 +18,11 @@
 #include <tbb/parallel_for.h>
 
 #include <limits>
-#include <stdexcept>
 
 namespace {
 
 constexpr int kWidth = 1920;
 constexpr int kHeight = 1080;
-
-oxScene& exampleScene()
-{
-    static oxScene scene;
-    static bool built = false;
-    if (!built) {
-        std::string error;
-        if (!oxExampleScene::build(scene, error))
-            throw std::runtime_error(error);
-        built = true;
-    }
-    return scene;
-}
 
 void raytracer(benchmark::State& state)
 {
