@@ -163,9 +163,9 @@ TEST_F(LightTransportTest, MirrorsReflectAndGlassRefractsTheEnvironment)
     const int x = kSize / 2, y = 11; // above the middle of the ball
     material->roughness = 0.0f;
     material->metallic = 1.0f;
-    const float* mirror = at(render(16), Beauty, x, y);
-    EXPECT_GT(mirror[2], 0.8f);
-    EXPECT_LT(mirror[0], 0.1f);
+    const oxRenderedImage mirror = render(16);
+    EXPECT_GT(at(mirror, Beauty, x, y)[2], 0.8f);
+    EXPECT_LT(at(mirror, Beauty, x, y)[0], 0.1f);
 
     material->metallic = 0.0f;
     material->transmission = 1.0f;
