@@ -1,6 +1,7 @@
 #include "oxRenderView.h"
 
 #include "oxController.h"
+#include "oxDisplayCurve.h"
 #include "oxMessage.h"
 #include "oxOSGWidget.h"
 #include "oxRenderParameter.h"
@@ -55,8 +56,13 @@ bool samePose(const oxViewPose& a, const oxViewPose& b)
 // The post-processing flags that pick channels: 6 red, 7 green, 8 blue, 9 luminance.
 constexpr int kRedBit = 1 << 6, kGreenBit = 1 << 7, kBlueBit = 1 << 8, kLuminanceBit = 1 << 9;
 
-// The 8-bit value a PNG export stores for a linear value, so the view shows what is written.
-inline int toByte(float value) { return int(std::clamp(value, 0.0f, 1.0f) * 255.0f + 0.5f); }
+// The 8-bit value a PNG export stores for a linear value (the sRGB curve, from a table so that
+// a frame costs no power functions), so the view shows what is written.
+inline int toByte(float value)
+{
+    static const oxDisplayCurve curve = oxDisplayCurve::sRGB();
+    return int(oxApplyDisplayCurve(curve.table(), value) * 255.0f + 0.5f);
+}
 
 QImage displayImage(const oxRenderSession::Frame& frame)
 {
