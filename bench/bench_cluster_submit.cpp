@@ -8,15 +8,13 @@
 #include "oxClusterManagerService.h"
 #include "oxExampleScene.h"
 #include "oxMovieExport.h"
-#include "oxPlatform.h"
-#include "oxPreferences.h"
+#include "oxBenchMain.h"
 #include "oxRenderSettings.h"
 #include "oxScene.h"
 #include "oxSlurm.h"
 
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -70,14 +68,4 @@ BENCHMARK(BM_SubmitThousandTaskJob)->Unit(benchmark::kMillisecond)->UseRealTime(
 
 } // namespace
 
-int main(int argc, char** argv)
-{
-    oxPlatform::prepareHeadless();
-    QApplication application(argc, argv);
-    QTemporaryDir preferences;
-    oxPreferences::setPreferencesDir(preferences.path().toStdString());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return oxRunHeadlessBenchmarks(argc, argv); }

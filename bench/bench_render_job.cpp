@@ -7,8 +7,7 @@
 #include "oxImageSource.h"
 #include "oxImageWriter.h"
 #include "oxMovieExport.h"
-#include "oxPlatform.h"
-#include "oxPreferences.h"
+#include "oxBenchMain.h"
 #include "oxRaytracerSource.h"
 #include "oxRenderParameter.h"
 #include "oxRenderSettings.h"
@@ -16,7 +15,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <QApplication>
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -164,14 +162,9 @@ BENCHMARK(BM_WriteSameImagesDirectly)->Unit(benchmark::kMillisecond)->UseRealTim
 
 int main(int argc, char** argv)
 {
-    oxPlatform::prepareHeadless();
-    QApplication application(argc, argv);
-    QTemporaryDir preferences;
-    oxPreferences::setPreferencesDir(preferences.path().toStdString());
-    oxImageSource::setCurrent(&oxRaytracerSource::the());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    oxImageSource::setCurrent(nullptr);
-    return 0;
+    return oxRunHeadlessBenchmarks(argc, argv, [](const std::function<void()>& run) {
+        oxImageSource::setCurrent(&oxRaytracerSource::the());
+        run();
+        oxImageSource::setCurrent(nullptr);
+    });
 }

@@ -4,15 +4,11 @@
 
 #include "oxExampleScene.h"
 #include "oxImageWriter.h"
-#include "oxPlatform.h"
-#include "oxPreferences.h"
+#include "oxBenchMain.h"
 #include "oxRenderSettings.h"
 #include "oxScene.h"
 
 #include <benchmark/benchmark.h>
-
-#include <QApplication>
-#include <QTemporaryDir>
 
 #include <memory>
 #include <string>
@@ -66,14 +62,4 @@ BENCHMARK(BM_RefreshVariantSetsAndStatistics)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
-int main(int argc, char** argv)
-{
-    oxPlatform::prepareHeadless();
-    QApplication application(argc, argv);
-    QTemporaryDir preferences;
-    oxPreferences::setPreferencesDir(preferences.path().toStdString());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-}
+int main(int argc, char** argv) { return oxRunHeadlessBenchmarks(argc, argv); }
